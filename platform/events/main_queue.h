@@ -1,0 +1,36 @@
+// Work that other threads leave for the main thread.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <mutex>
+
+namespace zelmora::platform {
+
+/// A queue of blocks that run on the main thread, in the order they were scheduled. The run loop
+/// empties it; whoever adds a block wakes the loop through the wake-up given to the constructor.
+class MainQueue {
+  public:
+    using Block = std::function<void()>;
+
+    /// `wakeUp` is called, on the scheduling thread, after each block is added. It must be safe on
+    /// any thread and outlive the queue.
+    explicit MainQueue(std::function<void()> wakeUp);
+
+    MainQueue(const MainQueue&) = delete;
+    MainQueue& operator=(const MainQueue&) = delete;
+
+    /// Schedules `block`; any thread. Returns at once.
+    void async(Block block);
+
+    /// Runs the blocks scheduled so far, and those they schedule, until there is none. Main thread
+    /// only; a block may call it again (a modal alert does). Answers whether it ran any.
+    bool drain();
+
+  private:
+    std::function<void()> _wakeUp;
+    std::mutex _mutex;
+    std::deque<Block> _blocks;
+};
+
+} // namespace zelmora::platform

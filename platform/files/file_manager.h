@@ -1,0 +1,116 @@
+// The one way to the file system. Nothing else in the system reads, writes, renames or deletes a
+// user's file, so a test can make any operation fail by handing in a FileManager of its own.
+//
+// Paths are the file system's own bytes, of any length (longer than PATH_MAX too). Every operation
+// is safe on any thread, blocks until it is done, and answers why it failed. Interrupted system
+// calls are resumed; no operation opens anything but a regular file or a folder, so none can hang
+// on a FIFO or wake a device.
+#pragma once
+
+#include "platform/files/status.h"
+#include "platform/text/bytes.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace zelmora::platform {
+
+enum class FileType : int32_t { regular, directory, symbolicLink, other };
+
+/// Macintosh type and creator code: four 8-bit characters each, the first in the most significant
+/// byte; 0 means no code. Kept in bytes 0-3 (type) and 4-7 (creator), big-endian, of the 32-byte
+/// extended attribute user.com.apple.FinderInfo, the layout under which such a file's Finder
+/// information travels on other systems.
+struct HFSCodes {
+    uint32_t type = 0;
+    uint32_t creator = 0;
+    bool operator==(const HFSCodes&) const = default;
+};
+
+class FileManager {
+  public:
+    virtual ~FileManager() = default;
+
+    /// The process's FileManager on the real file system.
+    static FileManager& defaultManager();
+
+    // Looking. None of these follows a symbolic link at the path itself unless it says so.
+
+    /// Whether anything has this name, a dangling symbolic link included: a name for which this is
+    /// false is free to take.
+    [[nodiscard]] virtual bool fileExistsAtPath(const std::string& path) = 0;
+
+    /// The type of the item at `path`; ENOENT when there is none.
+    virtual Result<FileType> typeOfItemAtPath(const std::string& path) = 0;
+
+    /// Whether a folder is there once links are followed.
+    [[nodiscard]] virtual bool isDirectoryAtPath(const std::string& path) = 0;
+
+    /// The item's HFS codes; both 0 when it carries none or its file system can hold none.
+    virtual Result<HFSCodes> hfsCodesOfItemAtPath(const std::string& path) = 0;
+
+    /// Called for each item beneath a folder with its path relative to that folder and its type.
+    /// Answers whether to go on.
+    using EnumerationVisitor = std::function<bool(const std::string& relativePath, FileType type)>;
+
+    /// Visits everything beneath the folder at `path`, in the file system's order, sub-folders
+    /// (hidden ones too) just before what they hold. Symbolic links are visited, never followed; a
+    /// link at `path` itself is not followed either. A sub-folder that cannot be read is passed
+    /// over and the visit goes on; the first such failure is answered at the end.
+    virtual Status enumerateAtPath(const std::string& path, const EnumerationVisitor& visitor) = 0;
+
+    // Reading and writing.
+
+    /// The whole contents of the regular file at `path`, links followed. Anything but a regular
+    /// file is an error (EISDIR for a folder, EINVAL for the rest) and is not opened. A file that
+    /// shrinks or grows while it is read is an error (EAGAIN): never a torn text.
+    virtual Result<Bytes> contentsAtPath(const std::string& path) = 0;
+
+    /// Makes a new file at `path` holding `contents`, with the permissions a new file gets. The
+    /// bytes are on disk (fdatasync) when it succeeds. They are written to a scratch file in the
+    /// same folder, which then takes the name; so `path` holds all of them or does not exist. A
+    /// name that is taken, by a dangling link too, is an error (EEXIST) and stays as it was. On
+    /// failure no scratch file remains.
+    virtual Status createFileAtPath(const std::string& path, ByteView contents) = 0;
+
+    /// The same, but replaces what regular file has the name. For files of the program's own
+    /// (settings), never for a user's. Permissions of a file replaced are kept.
+    virtual Status replaceFileAtPath(const std::string& path, ByteView contents) = 0;
+
+    /// Adds `contents` at the end of the existing regular file at `path`, links followed, in a
+    /// single append; what stood there before is never touched. ENOENT when there is none.
+    virtual Status appendToFileAtPath(const std::string& path, ByteView contents) = 0;
+
+    /// Makes a folder, and the missing folders above it, with default permissions. A folder that
+    /// exists (links followed) is a success.
+    virtual Status createDirectoryAtPath(const std::string& path) = 0;
+
+    /// Sets both HFS codes. Two zero codes on an item without the attribute do nothing and
+    /// succeed; the rest of an existing attribute is kept. A file system that cannot hold
+    /// a non-zero code is an error (ENOTSUP).
+    virtual Status setHFSCodes(HFSCodes codes, const std::string& path) = 0;
+
+    // Moving, copying, deleting.
+
+    /// Deletes a file or a symbolic link, never a folder (EISDIR).
+    virtual Status removeFileAtPath(const std::string& path) = 0;
+
+    /// Deletes an item of any kind, a folder with everything in it; links are deleted, never
+    /// followed.
+    virtual Status removeItemAtPath(const std::string& path) = 0;
+
+    /// Renames an item within one file system. A name that is taken is an error (EEXIST); nothing
+    /// is ever replaced.
+    virtual Status moveItemAtPath(const std::string& path, const std::string& toPath) = 0;
+
+    /// Copies an item, a folder with everything in it at any depth: names, contents, permissions,
+    /// modification times, symbolic links as links, extended attributes. `toPath` must be free
+    /// (EEXIST) and must not lie inside the folder being copied (EINVAL). The copy is made under a
+    /// scratch name beside `toPath` and takes that name when it is complete, so a copy that failed
+    /// half-way never looks whole; on failure the scratch copy is deleted. What is neither file,
+    /// folder nor link (FIFO, socket, device) fails the copy.
+    virtual Status copyItemAtPath(const std::string& path, const std::string& toPath) = 0;
+};
+
+} // namespace zelmora::platform
