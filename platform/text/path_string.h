@@ -3,7 +3,9 @@
 //
 // Extensions: the text after the last "." of the last component, unless that "." is the name's
 // first character. So ".profile" has none, ".a.txt" has "txt"; a trailing "." is an empty
-// extension, which counts as none.
+// extension, which counts as none. The folder names "." and ".." have none either.
+//
+// Slashes at the end of a path count for nothing, except that "/" is the root.
 #pragma once
 
 #include <string>
@@ -26,7 +28,7 @@ namespace zelmora::platform {
 /// The path with "." and `extension` added; the path itself when `extension` is empty.
 [[nodiscard]] std::string appendingPathExtension(std::string_view path, std::string_view extension);
 
-/// `path`, one "/", and `component`; `component` alone when `path` is empty.
+/// `path`, one "/", and `component`; one of them alone when the other is empty.
 [[nodiscard]] std::string appendingPathComponent(std::string_view path, std::string_view component);
 
 /// The path with a leading "~" or "~user" replaced by that home folder ("~" by $HOME, and by the
