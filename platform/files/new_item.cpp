@@ -1,0 +1,146 @@
+#include "platform/files/new_item.h"
+
+#include "platform/files/tree_walk.h"
+
+#include <atomic>
+#include <cstdio>
+
+namespace zelmora::platform {
+
+namespace {
+
+bool isUnsupported(int code) {
+    return code == EINVAL || code == ENOSYS || code == EOPNOTSUPP || code == EPERM;
+}
+
+/// Takes the new name with an empty item first, which the rename then replaces: the last resort
+/// for folders, and for file systems without hard links.
+int renameOntoPlaceholder(int fromFolder, const char* from, int toFolder, const char* to,
+                          bool directory) {
+    if (directory) {
+        if (::mkdirat(toFolder, to, S_IRWXU) != 0) {
+            return errno;
+        }
+    } else if (!openAt(toFolder, to, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR).isOpen()) {
+        return errno;
+    }
+    const int code = errnoUnless(::renameat(fromFolder, from, toFolder, to));
+    if (code != 0) {
+        ::unlinkat(toFolder, to, directory ? AT_REMOVEDIR : 0);
+    }
+    return code;
+}
+
+/// A file that has no name while it is written leaves nothing behind when the process is killed.
+int createUnnamedFile(const Location& target, mode_t mode, const FileFiller& fill) {
+    const FileDescriptor file =
+        openAt(target.folder(), target.parent().c_str(), O_TMPFILE | O_WRONLY, mode);
+    if (!file.isOpen()) {
+        return errno;
+    }
+    if (const int code = fill(file.get())) {
+        return code;
+    }
+    const std::string itself = "/proc/self/fd/" + std::to_string(file.get());
+    return errnoUnless(
+        ::linkat(AT_FDCWD, itself.c_str(), target.folder(), target.name(), AT_SYMLINK_FOLLOW));
+}
+
+} // namespace
+
+int renameWithoutReplacing(int fromFolder, const char* from, int toFolder, const char* to) {
+    const int code = errnoUnless(::renameat2(fromFolder, from, toFolder, to, RENAME_NOREPLACE));
+    if (!isUnsupported(code)) {
+        return code;
+    }
+    struct stat status = {};
+    if (::fstatat(fromFolder, from, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errno;
+    }
+    const bool directory = S_ISDIR(status.st_mode);
+    if (directory) {
+        return renameOntoPlaceholder(fromFolder, from, toFolder, to, directory);
+    }
+    // Killed between these two, the file has both names: nothing is lost.
+    const int linkCode = errnoUnless(::linkat(fromFolder, from, toFolder, to, 0));
+    if (isUnsupported(linkCode)) {
+        return renameOntoPlaceholder(fromFolder, from, toFolder, to, directory);
+    }
+    return linkCode != 0 ? linkCode : errnoUnless(::unlinkat(fromFolder, from, 0));
+}
+
+ScratchItem::~ScratchItem() {
+    if (!_name.empty()) {
+        removeTree(folder(), name(), true);
+    }
+}
+
+int ScratchItem::make(const std::function<int(int folder, const char* name)>& make) {
+    static std::atomic<unsigned> counter = 0;
+    constexpr int kTries = 1000; // names left behind by killed processes with the same id
+    const std::string prefix = _target.sibling(".zlm" + std::to_string(::getpid()) + "-");
+    int code = EEXIST;
+    for (int i = 0; i < kTries && code == EEXIST; ++i) {
+        const std::string name = prefix + std::to_string(counter++);
+        code = make(folder(), name.c_str());
+        if (code == 0) {
+            _name = name;
+        }
+    }
+    return code;
+}
+
+int ScratchItem::done(int code) {
+    if (code == 0) {
+        _name.clear();
+    }
+    return code;
+}
+
+int ScratchItem::takeTargetName() {
+    return done(renameWithoutReplacing(folder(), name(), folder(), _target.name()));
+}
+
+int ScratchItem::replaceTarget() {
+    return done(errnoUnless(::renameat(folder(), name(), folder(), _target.name())));
+}
+
+int createFile(const Location& target, mode_t mode, const FileFiller& fill) {
+    const int code = createUnnamedFile(target, mode, fill);
+    if (code == 0 || code == EEXIST) {
+        return code;
+    }
+    // Not every file system has unnamed files, and not every process may name them. If it was
+    // something else that failed, it fails again.
+    ScratchItem scratch(target);
+    const int scratchCode = makeScratchFile(scratch, mode, fill);
+    return scratchCode != 0 ? scratchCode : scratch.takeTargetName();
+}
+
+int makeScratchFile(ScratchItem& scratch, mode_t mode, const FileFiller& fill) {
+    FileDescriptor file;
+    const int code = scratch.make([&](int folder, const char* name) {
+        file = openAt(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+        return file.isOpen() ? 0 : errno;
+    });
+    if (code != 0) {
+        return code;
+    }
+    const int fillCode = fill(file.get());
+    const int closeCode = file.close();
+    return fillCode != 0 ? fillCode : closeCode;
+}
+
+int writeAll(int file, const std::byte* bytes, size_t count) {
+    while (count > 0) {
+        const auto written = resumed([&] { return ::write(file, bytes, count); });
+        if (written <= 0) {
+            return written == 0 ? ENOSPC : errno;
+        }
+        bytes += written;
+        count -= static_cast<size_t>(written);
+    }
+    return 0;
+}
+
+} // namespace zelmora::platform

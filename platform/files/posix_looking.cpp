@@ -1,0 +1,71 @@
+#include "platform/files/posix_file_manager.h"
+#include "platform/files/tree_walk.h"
+#include "platform/text/path_string.h"
+
+namespace zelmora::platform {
+
+FileManager& FileManager::defaultManager() {
+    static PosixFileManager manager;
+    return manager;
+}
+
+std::string pathInTree(const std::string& path, const std::string& relativePath) {
+    return relativePath.empty() ? path : appendingPathComponent(path, relativePath);
+}
+
+bool PosixFileManager::fileExistsAtPath(const std::string& path) {
+    struct stat status = {};
+    return statusAtPath(path, status, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+Result<FileType> PosixFileManager::typeOfItemAtPath(const std::string& path) {
+    struct stat status = {};
+    if (const int code = statusAtPath(path, status, AT_SYMLINK_NOFOLLOW)) {
+        return Error::fromErrno(code, path, "look");
+    }
+    return fileTypeOfMode(status.st_mode);
+}
+
+bool PosixFileManager::isDirectoryAtPath(const std::string& path) {
+    struct stat status = {};
+    return statusAtPath(path, status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+Status PosixFileManager::enumerateAtPath(const std::string& path,
+                                         const EnumerationVisitor& visitor) {
+    constexpr std::string_view kOperation = "read folder";
+    TreeWalk walk;
+    const Status opened = performAt(
+        path, kOperation, [&](const Location& at) { return walk.open(at.folder(), at.name()); });
+    if (!opened) {
+        return opened;
+    }
+    Status result;
+    const auto note = [&](int code) {
+        if (code != 0 && result.ok()) {
+            result = Error::fromErrno(code, pathInTree(path, walk.relativePath()), kOperation);
+        }
+    };
+    for (;;) {
+        switch (walk.next()) {
+        case TreeWalk::Step::entry:
+            if (!visitor(walk.relativePath(), walk.type())) {
+                return result;
+            }
+            if (walk.type() == FileType::directory) {
+                note(walk.enter());
+            }
+            break;
+        case TreeWalk::Step::leaving:
+        case TreeWalk::Step::left:
+            break;
+        case TreeWalk::Step::end:
+            return result;
+        case TreeWalk::Step::failed:
+            note(walk.error());
+            return result;
+        }
+    }
+}
+
+} // namespace zelmora::platform

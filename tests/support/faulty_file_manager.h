@@ -1,0 +1,77 @@
+// A FileManager that passes every operation on to another one, remembers it, and fails on demand.
+#pragma once
+
+#include "platform/files/file_manager.h"
+
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace zelmora::test {
+
+/// Stands between the code under test and `target`, which must outlive it. A failed operation does
+/// nothing at all but answer the error. Safe on any thread, as any FileManager is.
+///
+/// The questions fileExistsAtPath and isDirectoryAtPath cannot fail; they are not counted.
+class FaultyFileManager final : public platform::FileManager {
+  public:
+    struct Operation {
+        std::string name; ///< the method's name
+        std::string path; ///< its first path
+        bool operator==(const Operation&) const = default;
+    };
+
+    explicit FaultyFileManager(platform::FileManager& target) : _target(target) {}
+
+    /// The `ordinal`-th operation from the start, 1 being the first, fails with this errno.
+    void failOperation(size_t ordinal, int code);
+    /// Every operation of this name fails with this errno, from now on; with 0 it works again.
+    void failEvery(const std::string& name, int code);
+
+    /// What has been asked for so far, failed operations included.
+    [[nodiscard]] std::vector<Operation> operations() const;
+
+    [[nodiscard]] bool fileExistsAtPath(const std::string& path) override;
+    platform::Result<platform::FileType> typeOfItemAtPath(const std::string& path) override;
+    [[nodiscard]] bool isDirectoryAtPath(const std::string& path) override;
+    platform::Result<platform::HFSCodes> hfsCodesOfItemAtPath(const std::string& path) override;
+    platform::Status enumerateAtPath(const std::string& path,
+                                     const EnumerationVisitor& visitor) override;
+    platform::Result<platform::Bytes> contentsAtPath(const std::string& path) override;
+    platform::Status createFileAtPath(const std::string& path,
+                                      platform::ByteView contents) override;
+    platform::Status replaceFileAtPath(const std::string& path,
+                                       platform::ByteView contents) override;
+    platform::Status appendToFileAtPath(const std::string& path,
+                                        platform::ByteView contents) override;
+    platform::Status createDirectoryAtPath(const std::string& path) override;
+    platform::Status setHFSCodes(platform::HFSCodes codes, const std::string& path) override;
+    platform::Status removeFileAtPath(const std::string& path) override;
+    platform::Status removeItemAtPath(const std::string& path) override;
+    platform::Status moveItemAtPath(const std::string& path, const std::string& toPath) override;
+    platform::Status copyItemAtPath(const std::string& path, const std::string& toPath) override;
+
+  private:
+    /// Notes the operation; answers the errno it is to fail with, or 0.
+    int begin(const char* name, const std::string& path);
+
+    /// Runs `operation`, an operation of the target, unless it is to fail.
+    template<typename Action>
+    auto perform(const char* name, const std::string& path, Action operation)
+        -> decltype(operation()) {
+        if (const int code = begin(name, path)) {
+            return platform::Error::fromErrno(code, path, name);
+        }
+        return operation();
+    }
+
+    platform::FileManager& _target;
+    mutable std::mutex _mutex; ///< guards what follows
+    std::vector<Operation> _operations;
+    std::map<size_t, int> _codeOfOrdinal;
+    std::map<std::string, int> _codeOfName;
+};
+
+} // namespace zelmora::test
