@@ -122,7 +122,7 @@ TEST(UnicodeCodecs, ValidityOfUTF8InEveryPosition) {
     };
     for (const auto& testCase : cases) {
         for (size_t before = 0; before <= 18; ++before) {
-            for (const size_t after : {0, 1, 16, 17}) {
+            for (const size_t after : {0u, 1u, 16u, 17u}) {
                 for (const std::string_view padding : {"a", "\xE3\x81\x82"}) {
                     std::string bytes;
                     for (size_t i = 0; i < before; ++i)
@@ -199,7 +199,7 @@ TEST(UnicodeCodecs, WrongSizesAndLoneSurrogatesAreRefused) {
 TEST(UnicodeCodecs, LoneSurrogatesAreFoundInEveryPosition) {
     for (const std::u16string lone : {u"\xD800", u"\xDBFF", u"\xDC00", u"\xDFFF"}) {
         for (size_t before = 0; before <= 34; ++before) {
-            for (const size_t after : {0, 1, 17}) {
+            for (const size_t after : {0u, 1u, 17u}) {
                 // Pairs before, so that a block's border falls inside one.
                 std::u16string text = before % 2 == 1 ? u"x" : u"";
                 for (size_t i = 0; i < before / 2; ++i)

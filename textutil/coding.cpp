@@ -1,0 +1,92 @@
+// Bytes to text and back by the encoding record. Marks are handled here alone: the platform's
+// codecs take U+FEFF for a character like any other.
+#include "platform/text/text_encoding.h"
+#include "textutil/encoding_detector.h"
+#include "textutil/text_utility_private.h"
+
+#include <algorithm>
+
+namespace zelmora {
+namespace {
+
+using platform::Bytes;
+using platform::ByteView;
+using platform::TextEncoding;
+
+/// nullopt for UTF-16 and UTF-32 without a byte order.
+std::optional<TextEncoding> textEncodingOf(OrvEncodingInfo info) {
+    const auto byByteOrder = [&](TextEncoding little, TextEncoding big) {
+        return info.byteOrder == OrvByteOrder::littleEndian ? std::optional(little)
+               : info.byteOrder == OrvByteOrder::bigEndian  ? std::optional(big)
+                                                            : std::nullopt;
+    };
+    switch (info.encoding) {
+    case OrvEncoding::shiftjis:
+        return info.characterMapping == OrvCharacterMapping::windows ? TextEncoding::codePage932
+                                                                     : TextEncoding::macJapanese;
+    case OrvEncoding::jis:
+        return TextEncoding::iso2022JP;
+    case OrvEncoding::eucjp:
+        return TextEncoding::eucJP;
+    case OrvEncoding::utf8:
+        return TextEncoding::utf8;
+    case OrvEncoding::utf16:
+        return byByteOrder(TextEncoding::utf16LE, TextEncoding::utf16BE);
+    case OrvEncoding::utf32:
+        return byByteOrder(TextEncoding::utf32LE, TextEncoding::utf32BE);
+    default:
+        return TextEncoding::macOSRoman;
+    }
+}
+
+/// The byte-order mark of `encoding`, nothing for one that has none. Valid for ever.
+ByteView markOf(TextEncoding encoding) {
+    using namespace std::string_view_literals;
+    switch (encoding) {
+    case TextEncoding::utf8:
+        return platform::bytesOf("\xEF\xBB\xBF"sv);
+    case TextEncoding::utf16LE:
+        return platform::bytesOf("\xFF\xFE"sv);
+    case TextEncoding::utf16BE:
+        return platform::bytesOf("\xFE\xFF"sv);
+    case TextEncoding::utf32LE:
+        return platform::bytesOf("\xFF\xFE\0\0"sv);
+    case TextEncoding::utf32BE:
+        return platform::bytesOf("\0\0\xFE\xFF"sv);
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+OrvEncodingInfo OrvTextUtilityPrivate::encodingInfoOfTextData(std::optional<ByteView> data) const {
+    return data ? detectEncodingInfo(*data) : OrvEncodingInfo{};
+}
+
+std::optional<std::u16string>
+OrvTextUtilityPrivate::stringWithData(std::optional<ByteView> data,
+                                      OrvEncodingInfo encodingInfo) const {
+    const auto encoding = textEncodingOf(encodingInfo);
+    if (!data || !encoding)
+        return std::nullopt;
+    const size_t skipped = encodingInfo.hasBOM ? markOf(*encoding).size() : 0;
+    return platform::decodeText(data->subspan(std::min(skipped, data->size())), *encoding);
+}
+
+std::optional<Bytes> OrvTextUtilityPrivate::dataWithString(std::optional<std::u16string_view> text,
+                                                           OrvEncodingInfo encodingInfo) const {
+    if (!text)
+        return std::nullopt;
+    const TextEncoding encoding = textEncodingOf(encodingInfo).value_or(TextEncoding::macOSRoman);
+    auto data = platform::encodeText(*text, encoding);
+    if (!data)
+        data = platform::encodeTextLossy(*text, encoding);
+    if (encodingInfo.hasBOM) {
+        const ByteView mark = markOf(encoding);
+        data->insert(data->begin(), mark.begin(), mark.end());
+    }
+    return data;
+}
+
+} // namespace zelmora

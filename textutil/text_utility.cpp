@@ -1,0 +1,65 @@
+#include "textutil/text_utility.h"
+
+#include "platform/events/notification_center.h"
+#include "textutil/text_utility_private.h"
+
+#include <mutex>
+
+namespace zelmora {
+namespace {
+
+struct SharedUtility {
+    std::mutex mutex;
+    std::shared_ptr<OrvTextUtility> utility;
+    platform::NotificationCenter::ObserverID observer = 0;
+};
+
+SharedUtility& shared() {
+    static SharedUtility shared;
+    return shared;
+}
+
+} // namespace
+
+std::shared_ptr<OrvTextUtility> OrvTextUtility::instance() {
+    SharedUtility& holder = shared();
+    const std::lock_guard lock(holder.mutex);
+    if (!holder.utility) {
+        holder.utility = std::make_shared<OrvTextUtilityPrivate>();
+        holder.observer = platform::NotificationCenter::defaultCenter().addObserver(
+            platform::applicationWillTerminateNotification, callRelease);
+    }
+    return holder.utility;
+}
+
+void OrvTextUtility::callRelease() {
+    SharedUtility& holder = shared();
+    const std::lock_guard lock(holder.mutex);
+    if (holder.utility)
+        platform::NotificationCenter::defaultCenter().removeObserver(holder.observer);
+    holder.utility.reset();
+}
+
+OrvLineBreak OrvTextUtility::lineBreakTypeOfString(std::u16string_view) const {
+    return OrvLineBreak::none;
+}
+
+OrvEncodingInfo OrvTextUtility::encodingInfoOfTextData(std::optional<platform::ByteView>) const {
+    return {};
+}
+
+std::optional<std::u16string> OrvTextUtility::stringWithData(std::optional<platform::ByteView>,
+                                                             OrvEncodingInfo) const {
+    return std::nullopt;
+}
+
+void OrvTextUtility::convertLineBreakOfString(std::u16string&, OrvLineBreak, OrvLineBreak) const {}
+
+std::optional<platform::Bytes> OrvTextUtility::dataWithString(std::optional<std::u16string_view>,
+                                                              OrvEncodingInfo) const {
+    return std::nullopt;
+}
+
+void OrvTextUtility::convertHalfToFullKatakanaOfString(std::u16string&) const {}
+
+} // namespace zelmora
