@@ -1,0 +1,232 @@
+// ISO-2022-JP: seven-bit bytes whose meaning escape sequences switch.
+//
+// Read: ASCII, JIS X 0201 Roman (5C is U+00A5, 7E is U+203E) and katakana, JIS X 0208 under either
+// of its first two designations (the 1978 edition is read as the later ones, as is common), JIS X
+// 0212; extensions as data/jis_extensions.txt says. Control characters and the space stand for
+// themselves in every state and change none: line ends inside a two-byte run are common. ESC is
+// valid only as the start of a known designation; SO, SI and bytes with the high bit never are.
+//
+// Written: ASCII and control characters in ASCII, everything else in the first set above that has
+// it; the text ends in ASCII.
+#include "platform/text/ascii_run.h"
+#include "platform/text/chunks.h"
+#include "platform/text/legacy_codecs.h"
+#include "platform/text/text_tables.h"
+
+#include <string_view>
+
+namespace zelmora::platform {
+namespace {
+
+enum class Set { ascii, roman, katakana, jisX0208, jisX0212 };
+
+struct Designation {
+    std::string_view _escape;
+    Set _set;
+};
+
+/// The first one of a set is the one that is written.
+constexpr std::array<Designation, 6> kDesignations = {{
+    {"\x1B(B", Set::ascii},
+    {"\x1B(J", Set::roman},
+    {"\x1B(I", Set::katakana},
+    {"\x1B$B", Set::jisX0208},
+    {"\x1B$@", Set::jisX0208},
+    {"\x1B$(D", Set::jisX0212},
+}};
+
+constexpr Octet kEscape = 0x1B;
+constexpr Octet kSpace = 0x20;
+constexpr Octet kFirstGraphic = 0x21;
+constexpr char16_t kFirstHalfWidth = 0xFF61;
+constexpr size_t kKatakana = 63;
+constexpr char16_t kYenSign = 0x00A5;
+constexpr char16_t kOverline = 0x203E;
+
+/// Whether `unit`, a byte or a UTF-16 unit, is no ASCII character, or SO, SI or ESC.
+template<typename Unit>
+bool isSpecial(Unit unit) {
+    return (unit >= 0x80) | ((unit & 0xFE) == 0x0E) | (unit == kEscape);
+}
+
+/// The designation that the bytes begin with, if it is a known one.
+const Designation* designationAt(const Octet* in, const Octet* end) {
+    const std::string_view rest(reinterpret_cast<const char*>(in), static_cast<size_t>(end - in));
+    for (const Designation& designation : kDesignations) {
+        if (rest.starts_with(designation._escape))
+            return &designation;
+    }
+    return nullptr;
+}
+
+char16_t romanCharacter(Octet byte) {
+    switch (byte) {
+    case '\\':
+        return kYenSign;
+    case '~':
+        return kOverline;
+    default:
+        return byte;
+    }
+}
+
+/// Decodes two-byte characters as long as one follows another.
+void decodePlane(const char16_t* plane, const Octet*& in, const Octet* stop, const Octet* end,
+                 char16_t*& out) {
+    while (in < stop && end - in >= 2) {
+        const size_t row = static_cast<size_t>(in[0] - kFirstGraphic);
+        const size_t cell = static_cast<size_t>(in[1] - kFirstGraphic);
+        if (row >= JISTable::kCells || cell >= JISTable::kCells)
+            return;
+        const char16_t character = plane[row * JISTable::kCells + cell];
+        if (character == 0)
+            return;
+        *out++ = character;
+        in += 2;
+    }
+}
+
+/// Decodes graphic characters in the set that is switched to, as far as they are valid.
+void decodeGraphics(Set set, const Octet*& in, const Octet* stop, const Octet* end,
+                    char16_t*& out) {
+    switch (set) {
+    case Set::ascii:
+        return;
+    case Set::roman:
+        for (; in < stop && *in >= kFirstGraphic && *in < 0x80; ++in)
+            *out++ = romanCharacter(*in);
+        return;
+    case Set::katakana:
+        for (; in < stop && static_cast<size_t>(*in - kFirstGraphic) < kKatakana; ++in)
+            *out++ = static_cast<char16_t>(kFirstHalfWidth + *in - kFirstGraphic);
+        return;
+    case Set::jisX0208:
+        return decodePlane(kJISTable._planes[0], in, stop, end, out);
+    case Set::jisX0212:
+        return decodePlane(kJISTable._planes[1], in, stop, end, out);
+    }
+}
+
+bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* end,
+                char16_t*& target) {
+    const Octet* in = source;
+    char16_t* out = target;
+    while (in < stop) {
+        if (*in == kEscape) {
+            const Designation* designation = designationAt(in, end);
+            if (designation == nullptr)
+                return false;
+            set = designation->_set;
+            in += designation->_escape.size();
+            continue;
+        }
+        const Octet* const before = in;
+        if (set == Set::ascii)
+            copyASCIIRun(in, stop, out, isSpecial<Octet>);
+        else if (*in <= kSpace && !isSpecial(*in))
+            *out++ = *in++;
+        else
+            decodeGraphics(set, in, stop, end, out);
+        if (in == before)
+            return false;
+    }
+    source = in;
+    target = out;
+    return true;
+}
+
+/// The set in which the character of `cell` (see JISTable) is written.
+Set setOfCell(uint16_t cell) {
+    if (cell <= 0xFF)
+        return Set::katakana;
+    return (cell & 0x80) != 0 ? Set::jisX0208 : Set::jisX0212;
+}
+
+void switchTo(Set wanted, Set& set, Octet*& out) {
+    if (wanted == set)
+        return;
+    set = wanted;
+    for (const Designation& designation : kDesignations) {
+        if (designation._set == wanted) {
+            out = std::copy(designation._escape.begin(), designation._escape.end(), out);
+            return;
+        }
+    }
+}
+
+bool isRomanOnly(char16_t unit) {
+    return unit == kYenSign || unit == kOverline;
+}
+
+bool encodeStep(Set& current, const char16_t*& in, const char16_t* stop, Octet*& target) {
+    Set set = current;
+    Octet* out = target;
+    bool encodes = true;
+    while (in < stop) {
+        const char16_t unit = *in;
+        if (!isSpecial(unit)) {
+            switchTo(Set::ascii, set, out);
+            copyASCIIRun(in, stop, out, isSpecial<char16_t>);
+            continue;
+        }
+        if (isRomanOnly(unit)) {
+            switchTo(Set::roman, set, out);
+            *out++ = unit == kYenSign ? '\\' : '~';
+            ++in;
+            continue;
+        }
+        const uint16_t cell = kJISTable._encode[unit];
+        encodes = cell != 0;
+        if (!encodes)
+            break;
+        switchTo(setOfCell(cell), set, out);
+        if (cell > 0xFF)
+            *out++ = static_cast<Octet>((cell >> 8) & 0x7F);
+        *out++ = static_cast<Octet>(cell & 0x7F);
+        ++in;
+    }
+    current = set;
+    target = out;
+    return encodes;
+}
+
+class ISO2022JPEncoder : public LegacyEncoder {
+  public:
+    const char16_t* encode(const char16_t* in, const char16_t* end, Bytes& out) override {
+        constexpr size_t kLongest = 6; // four bytes of escape sequence and two of character
+        return encodeInChunks<kLongest>(
+            in, end, out,
+            [this](const char16_t*& unit, const char16_t* stop, const char16_t*, Octet*& target) {
+                return encodeStep(_set, unit, stop, target);
+            });
+    }
+    bool holds(char16_t unit) const override {
+        return !isSpecial(unit) || isRomanOnly(unit) || kJISTable._encode[unit] != 0;
+    }
+    void finish(Bytes& out) override {
+        std::array<Octet, 4> escape;
+        Octet* end = escape.data();
+        switchTo(Set::ascii, _set, end);
+        for (const Octet* octet = escape.data(); octet != end; ++octet)
+            out.push_back(std::byte{*octet});
+    }
+
+  private:
+    Set _set = Set::ascii;
+};
+
+} // namespace
+
+std::optional<std::u16string> decodeISO2022JP(ByteView bytes) {
+    Set set = Set::ascii;
+    return decodeInChunks<1>(
+        bytes, [&set](const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
+            return decodeStep(set, in, stop, end, out);
+        });
+}
+
+std::unique_ptr<LegacyEncoder> makeISO2022JPEncoder() {
+    return std::make_unique<ISO2022JPEncoder>();
+}
+
+} // namespace zelmora::platform

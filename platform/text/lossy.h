@@ -1,0 +1,13 @@
+// Encoding that alters what the encoding cannot hold.
+#pragma once
+
+#include "platform/text/legacy_codecs.h"
+
+#include <string_view>
+
+namespace zelmora::platform {
+
+/// Encodes `text` with `encoder`, which must be new. Never fails; see encodeTextLossy.
+[[nodiscard]] Bytes encodeLossily(std::u16string_view text, LegacyEncoder& encoder);
+
+} // namespace zelmora::platform

@@ -1,0 +1,141 @@
+// Macintosh Japanese and code page 932: one structure, two tables. The Macintosh one differs in two
+// ways that the loops must know: 5C is the yen sign, and some codes stand for several units.
+#include "platform/text/ascii_run.h"
+#include "platform/text/chunks.h"
+#include "platform/text/legacy_codecs.h"
+#include "platform/text/text_tables.h"
+
+#include <algorithm>
+
+namespace zelmora::platform {
+namespace {
+
+enum class Vendor { macintosh, microsoft };
+
+template<Vendor vendor>
+const ShiftJISTable& tableOf() {
+    return vendor == Vendor::macintosh ? kMacJapaneseTable : kCodePage932Table;
+}
+
+/// Whether `unit`, a byte or a UTF-16 unit, is not the same character in both worlds.
+template<Vendor vendor, typename Unit>
+bool isSpecial(Unit unit) {
+    if constexpr (vendor == Vendor::macintosh)
+        return (unit >= 0x80) | (unit == '\\');
+    else
+        return unit >= 0x80;
+}
+
+bool appendSequence(const ShiftJISTable& table, char16_t cell, char16_t*& out) {
+    const size_t index = static_cast<size_t>(cell - kFirstSequence);
+    if (cell == kUnassigned || index >= table._sequences.size())
+        return false;
+    const Sequence& sequence = table._sequences[index];
+    out = std::copy_n(sequence._units.data(), sequence._length, out);
+    return true;
+}
+
+template<Vendor vendor>
+bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
+    const ShiftJISTable& table = tableOf<vendor>();
+    const Octet* in = source;
+    char16_t* out = target;
+    while (in < stop) {
+        if (!isSpecial<vendor>(*in)) {
+            copyASCIIRun(in, stop, out, isSpecial<vendor, Octet>);
+            continue;
+        }
+        char16_t cell = table._singles[*in++];
+        if ((cell & 0xFC00) == kFirstRow) {
+            const size_t trail = in != end ? *in++ - ShiftJISTable::kFirstTrail : ~size_t{0};
+            if (trail >= ShiftJISTable::kTrails)
+                return false;
+            cell = table._doubles[(cell - kFirstRow) * ShiftJISTable::kTrails + trail];
+        }
+        if ((cell & 0xF800) != kUnassigned)
+            *out++ = cell;
+        else if (!appendSequence(table, cell, out))
+            return false;
+    }
+    source = in;
+    target = out;
+    return true;
+}
+
+/// Whether a code for several units may begin with `unit` and `next`: a count of those that follow,
+/// or a mark on the one before it.
+bool mayBeSequence(char16_t unit, char16_t next) {
+    return (unit >= 0xF860 && unit <= 0xF862) || (next >= 0xF87A && next <= 0xF87F) ||
+           next == 0x20DD;
+}
+
+/// The longest sequence that the units from `in` to `end` begin with, if any.
+const Sequence* findSequence(const ShiftJISTable& table, const char16_t* in, const char16_t* end) {
+    const auto found = std::ranges::find_if(table._sequences, [&](const Sequence& sequence) {
+        return sequence._length <= end - in &&
+               std::equal(in, in + sequence._length, sequence._units.begin());
+    });
+    return found != table._sequences.end() ? &*found : nullptr;
+}
+
+template<Vendor vendor>
+bool encodeStep(const char16_t*& in, const char16_t* stop, const char16_t* end, Octet*& target) {
+    const ShiftJISTable& table = tableOf<vendor>();
+    Octet* out = target;
+    bool encodes = true;
+    while (in < stop) {
+        if (!isSpecial<vendor>(*in)) {
+            copyASCIIRun(in, stop, out, isSpecial<vendor, char16_t>);
+            continue;
+        }
+        uint16_t code = table._encode[*in];
+        std::ptrdiff_t length = 1;
+        if (vendor == Vendor::macintosh && end - in > 1 && mayBeSequence(in[0], in[1])) {
+            if (const Sequence* sequence = findSequence(table, in, end)) {
+                code = sequence->_code;
+                length = sequence->_length;
+            }
+        }
+        encodes = code != 0;
+        if (!encodes)
+            break;
+        if (code > 0xFF)
+            *out++ = static_cast<Octet>(code >> 8);
+        *out++ = static_cast<Octet>(code);
+        in += length;
+    }
+    target = out;
+    return encodes;
+}
+
+template<Vendor vendor>
+class ShiftJISEncoder : public LegacyEncoder {
+  public:
+    const char16_t* encode(const char16_t* in, const char16_t* end, Bytes& out) override {
+        return encodeInChunks<2>(in, end, out, encodeStep<vendor>);
+    }
+    bool holds(char16_t unit) const override {
+        return !isSpecial<vendor>(unit) || tableOf<vendor>()._encode[unit] != 0;
+    }
+};
+
+} // namespace
+
+// The most units for the bytes: five for two, two for one.
+std::optional<std::u16string> decodeMacJapanese(ByteView bytes) {
+    return decodeInChunks<3>(bytes, decodeStep<Vendor::macintosh>);
+}
+
+std::optional<std::u16string> decodeCodePage932(ByteView bytes) {
+    return decodeInChunks<1>(bytes, decodeStep<Vendor::microsoft>);
+}
+
+std::unique_ptr<LegacyEncoder> makeMacJapaneseEncoder() {
+    return std::make_unique<ShiftJISEncoder<Vendor::macintosh>>();
+}
+
+std::unique_ptr<LegacyEncoder> makeCodePage932Encoder() {
+    return std::make_unique<ShiftJISEncoder<Vendor::microsoft>>();
+}
+
+} // namespace zelmora::platform
