@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -25,6 +26,14 @@ class PropertyListValue {
                                  PropertyListDictionary>;
 
     PropertyListValue() : _content(false) {}
+    // Out of line: a recursive variant is much code to inline, and GCC 12 takes what it then sees
+    // for a read of an unset member.
+    PropertyListValue(const PropertyListValue&);
+    PropertyListValue(PropertyListValue&&) noexcept;
+    PropertyListValue& operator=(const PropertyListValue&);
+    PropertyListValue& operator=(PropertyListValue&&) noexcept;
+    ~PropertyListValue();
+
     template<typename T>
     requires std::is_constructible_v<Content, T&&> PropertyListValue(T&& value)
         : _content(std::forward<T>(value)) {} // NOLINT: implicit by intent
@@ -40,7 +49,7 @@ class PropertyListValue {
     }
 
     [[nodiscard]] const Content& content() const { return _content; }
-    bool operator==(const PropertyListValue&) const = default;
+    bool operator==(const PropertyListValue&) const;
 
   private:
     Content _content;
@@ -52,5 +61,9 @@ Result<PropertyListValue> propertyListFromXML(std::string_view xml, std::string_
 /// Writes `value` as an XML property list, line feeds and all. EILSEQ when a string in it is not
 /// UTF-8 or holds a character that XML cannot.
 Result<std::string> xmlFromPropertyList(const PropertyListValue& value);
+
+/// The 64-bit integer that all of `text` writes in decimal, with or without a sign; nullopt when it
+/// does not.
+[[nodiscard]] std::optional<int64_t> integerFromDecimal(std::string_view text);
 
 } // namespace zelmora::platform

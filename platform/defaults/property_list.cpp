@@ -1,0 +1,13 @@
+#include "platform/defaults/property_list.h"
+
+namespace zelmora::platform {
+
+PropertyListValue::PropertyListValue(const PropertyListValue&) = default;
+PropertyListValue::PropertyListValue(PropertyListValue&&) noexcept = default;
+PropertyListValue& PropertyListValue::operator=(const PropertyListValue&) = default;
+PropertyListValue& PropertyListValue::operator=(PropertyListValue&&) noexcept = default;
+PropertyListValue::~PropertyListValue() = default;
+
+bool PropertyListValue::operator==(const PropertyListValue&) const = default;
+
+} // namespace zelmora::platform
