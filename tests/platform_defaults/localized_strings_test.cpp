@@ -1,0 +1,151 @@
+#include "platform/defaults/localized_strings.h"
+
+#include "platform/defaults/bundle.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <regex>
+
+namespace zelmora::platform {
+namespace {
+
+using ::testing::StartsWith;
+
+TEST(LocalizedStringsTest, ReadsEscapesAndComments) {
+    const auto strings = LocalizedStrings::parse("// head \"x\" = \"y\";\n"
+                                                 "\"a\\\"b\" = \"1\\n2\\t3\\\\4\\U30ab\";/* ; */\n"
+                                                 "\"変換\"/**/=/*=*/\"/* 中 */ // も\" // end\n;"
+                                                 "\"empty\"=\"\";\"two lines\"=\"1\n2\";",
+                                                 "table");
+    ASSERT_TRUE(strings) << strings.error().message;
+    EXPECT_EQ(strings->table().size(), 4U);
+    EXPECT_EQ(strings->stringForKey("a\"b"), "1\n2\t3\\4カ");
+    EXPECT_EQ(strings->stringForKey("変換"), "/* 中 */ // も");
+    EXPECT_EQ(strings->stringForKey("empty"), "");
+    EXPECT_EQ(strings->stringForKey("two lines"), "1\n2");
+    EXPECT_EQ(strings->stringForKey("missing"), "missing");
+}
+
+TEST(LocalizedStringsTest, TellsTheLineOfAFault) {
+    const struct {
+        std::string_view text;
+        std::string_view start;
+    } cases[] = {
+        {"\"a\" = \"1\"\n\"b\" = \"2\";\n", "t:1: \";\""},
+        {"\"a\" = \"1\";\n\n\"b\" \"2\";", "t:3: \"=\""},
+        {"\"a\" = \"1\";\n\"a\" = \"1\";", "t:2: this key"},
+        {"\n\"a\" = \"never\n\nends;", "t:2: this string"},
+        {"\"a\" = \"1\"; \n/* \n", "t:2: this comment"},
+        {"\"a\" = \"\\q\";", "t:1: an escape"},
+        {"\"a\" = \"\\U30a\";", "t:1: an escape"},
+        {"\"a\" = \"\\UD83D\\UDE00\";", "t:1: an escape"},
+        {"\"a\" = \"\\", "t:1: an escape"},
+        {"\"a\" = \"\\U", "t:1: an escape"},
+        {"\"a\" = 1;", "t:1: a quoted"},
+        {"\"a\"", "t:1: \"=\""},
+        {"\"a\" = \"\xFF\";", "t: not UTF-8"},
+    };
+    for (const auto& [text, start] : cases) {
+        const auto strings = LocalizedStrings::parse(text, "t");
+        ASSERT_FALSE(strings) << text;
+        EXPECT_EQ(strings.error().code, EINVAL) << text;
+        EXPECT_THAT(strings.error().message, StartsWith(std::string(start))) << text;
+    }
+}
+
+TEST(LocalizedStringsTest, FillsPlaceholders) {
+    const struct {
+        std::string_view text;
+        std::initializer_list<std::string_view> arguments;
+        std::string_view result;
+    } cases[] = {
+        {"File:%@", {"/a b"}, "File:/a b"},
+        {"%@->%@", {"%@ %1$@ %%", "y"}, "%@ %1$@ %%->y"},
+        {"%u of %d", {"1", "2"}, "1 of 2"},
+        {"%2$@ before %1$@", {"a", "b"}, "b before a"},
+        {"%@ %@", {"a"}, "a %@"},
+        {"%3$@", {"a"}, "%3$@"},
+        {"100%% of %@%%", {"a"}, "100% of a%"},
+        {"%", {"a"}, "%"},
+        {"%s %0$@ %1 %1$ %1$s %18446744073709551616$@",
+         {"a"},
+         "%s %0$@ %1 %1$ %1$s %18446744073709551616$@"},
+        {"none", {"a"}, "none"},
+        {"", {}, ""},
+    };
+    for (const auto& [text, arguments, result] : cases) {
+        const auto strings = LocalizedStrings::parse("\"k\" = \"" + std::string(text) + "\";", "t");
+        ASSERT_TRUE(strings) << text;
+        EXPECT_EQ(strings->format("k", arguments), result) << text;
+    }
+}
+
+std::vector<std::string> placeholders(const std::string& text) {
+    const std::regex placeholder("%[0-9$]*[@ud]");
+    std::vector<std::string> found(
+        std::sregex_token_iterator(text.begin(), text.end(), placeholder), {});
+    std::ranges::sort(found);
+    return found;
+}
+
+TEST(LocalizedStringsTest, ShippedTablesAgree) {
+    const Bundle bundle(ZELMORA_RESOURCES);
+    const auto english = bundle.localizedStrings(FileManager::defaultManager(), "en");
+    const auto japanese = bundle.localizedStrings(FileManager::defaultManager(), "ja");
+    ASSERT_TRUE(english) << english.error().message;
+    ASSERT_TRUE(japanese) << japanese.error().message;
+    EXPECT_GT(english->table().size(), 40U);
+    EXPECT_EQ(english->table().size(), japanese->table().size());
+    for (const auto& [key, text] : english->table()) {
+        ASSERT_TRUE(japanese->table().contains(key)) << key;
+        EXPECT_EQ(placeholders(text), placeholders(japanese->stringForKey(key))) << key;
+    }
+}
+
+TEST(BundleTest, FindsResources) {
+    const Bundle bundle("/opt/z");
+    EXPECT_EQ(bundle.pathForResource("Manual", "pdf"), "/opt/z/Manual.pdf");
+    EXPECT_EQ(bundle.pathForResource("Localizable", "strings", "ja"),
+              "/opt/z/ja.lproj/Localizable.strings");
+    const auto missing = bundle.localizedStrings(FileManager::defaultManager(), "ja");
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error().code, ENOENT);
+    // This program's own folder is "bin"; the resources are its neighbour's.
+    EXPECT_THAT(Bundle::mainBundle().pathForResource("a", "b"),
+                ::testing::EndsWith("/share/zelmora/a.b"));
+    EXPECT_EQ(Bundle::mainBundle().pathForResource("a", "b").find("/bin/"), std::string::npos);
+}
+
+TEST(BundleTest, PrefersTheFirstLanguageThatIsSet) {
+    const struct {
+        const char* all;
+        const char* messages;
+        const char* lang;
+        std::string_view language;
+    } cases[] = {
+        {"ja_JP.UTF-8", "en_US", "en_US", "ja"},
+        {"C", "ja_JP", "ja_JP", "en"},
+        {"", "ja", "C", "ja"},
+        {"", "", "ja_JP.eucJP", "ja"},
+        {nullptr, nullptr, nullptr, "en"},
+        {nullptr, "de_DE", "ja_JP", "en"},
+    };
+    for (const auto& test : cases) {
+        const std::pair<const char*, const char*> variables[] = {
+            {"LC_ALL", test.all}, {"LC_MESSAGES", test.messages}, {"LANG", test.lang}};
+        for (const auto& [name, value] : variables) {
+            if (value)
+                setenv(name, value, 1);
+            else
+                unsetenv(name);
+        }
+        EXPECT_EQ(preferredLanguage(), test.language)
+            << (test.all ? test.all : "-") << (test.messages ? test.messages : "-");
+    }
+}
+
+} // namespace
+} // namespace zelmora::platform
