@@ -51,6 +51,10 @@ class UserDefaults {
     [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const;
     [[nodiscard]] std::optional<PropertyListArray> arrayForKey(std::string_view key) const;
     [[nodiscard]] std::optional<PropertyListValue> objectForKey(std::string_view key) const;
+    /// The same without a copy, null when there is none: for lists that are read for each file.
+    /// Later writes replace the value and leave this one as it is.
+    [[nodiscard]] std::shared_ptr<const PropertyListValue>
+    sharedObjectForKey(std::string_view key) const;
 
     // Writes to the saved layer, and to this run's layer where that has the key, so that a write
     // is always what the next read sees.
@@ -78,15 +82,19 @@ class UserDefaults {
 
     // The saved file.
 
-    /// Reads the saved layer from the XML property list at `path`; a missing file is an empty
-    /// layer. Answers one message for each problem, naming the file and, for a value of the wrong
-    /// type, the key: such a value is left out, and what is not a property list leaves the whole
-    /// layer empty. After any problem save() refuses, so that the file is not overwritten.
+    /// Reads the saved layer from the XML property list at `path`, an absolute path; a missing file
+    /// is an empty layer. Changes not yet saved are dropped. Answers one message for each problem,
+    /// naming the file and, for a value of the wrong type, the key: such a value is left out, and
+    /// what is not a property list leaves the whole layer empty. After any problem save() refuses,
+    /// so that the file is not overwritten.
     std::vector<std::string> load(FileManager& files, const std::string& path);
 
-    /// Writes the changes made since load() to the saved file: under a lock file it reads the file
-    /// anew, applies the keys set and removed here, and replaces it, so that another process's
-    /// changes to other keys survive. Its folder is made when missing.
+    /// Writes the changes made since load() or the last save() to the saved file: under a lock file
+    /// ("`path`.lock") it reads the file anew, applies the keys set and removed here, and replaces
+    /// it, so that another process's changes to other keys survive, and are what this store then
+    /// reads. Its folder is made when missing. Without a change nothing is written. On failure,
+    /// also when the file has become one that load() would complain of, it stays as it was and the
+    /// changes stay to be saved. REQUIRES: load() was called.
     Status save(FileManager& files);
 
   private:
