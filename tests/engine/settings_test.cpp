@@ -1,0 +1,114 @@
+#include "engine/settings.h"
+
+#include "tests/support/temporary_directory.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace zelmora::settings {
+namespace {
+
+using platform::FileManager;
+using platform::PropertyListArray;
+using platform::PropertyListDictionary;
+using platform::PropertyListValue;
+using platform::UserDefaults;
+
+PropertyListArray extensions(std::initializer_list<const char*> names) {
+    PropertyListArray list;
+    for (const char* name : names)
+        list.emplace_back(PropertyListDictionary{{"nameExtension", name}});
+    return list;
+}
+
+TEST(SettingsTest, ReadsValuesFromText) {
+    const struct {
+        std::string_view key;
+        std::string_view text;
+        std::optional<PropertyListValue> value;
+    } cases[] = {
+        {putBOM, "YES", true},
+        {putBOM, "true", true},
+        {putBOM, "1", true},
+        {putBOM, "NO", false},
+        {putBOM, "false", false},
+        {putBOM, "0", false},
+        {putBOM, "yes", std::nullopt},
+        {putBOM, "2", std::nullopt},
+        {putBOM, "", std::nullopt},
+        {encodingCode, "4", 4},
+        {encodingCode, "+4", 4},
+        {encodingCode, "-9223372036854775808", std::numeric_limits<int64_t>::min()},
+        {encodingCode, "9223372036854775808", std::nullopt},
+        {encodingCode, "", std::nullopt},
+        {encodingCode, "+", std::nullopt},
+        {encodingCode, "+-4", std::nullopt},
+        {encodingCode, "4 ", std::nullopt},
+        {encodingCode, "0x4", std::nullopt},
+        {encodingCode, "4.0", std::nullopt},
+        {encodingCode, "UTF-8", std::nullopt},
+        {backupDataDir, "", ""},
+        {backupDataDir, "~/\xFF=a,b", "~/\xFF=a,b"},
+        {creatorCode, "1", "1"},
+        {nameExtensionArray, "", PropertyListArray{}},
+        {nameExtensionArray, "txt", extensions({"txt"})},
+        {nameExtensionArray, "txt,HTM,日本", extensions({"txt", "HTM", "日本"})},
+        {nameExtensionArray, ",", std::nullopt},
+        {nameExtensionArray, "txt,", std::nullopt},
+        {nameExtensionArray, ",txt", std::nullopt},
+        {nameExtensionArray, "a,,b", std::nullopt},
+        {nameExtensionArray, ".txt", std::nullopt},
+        {nameExtensionArray, "a,tar.gz", std::nullopt},
+        {nameExtensionArray, "a/b", std::nullopt},
+    };
+    for (const auto& [name, text, value] : cases) {
+        const auto* key = keyNamed(name);
+        ASSERT_NE(key, nullptr) << name;
+        EXPECT_EQ(valueFromText(*key, text), value) << name << "=" << text;
+    }
+}
+
+TEST(SettingsTest, FindsKeysByTheirExactName) {
+    for (const auto& key : allKeys())
+        EXPECT_EQ(keyNamed(key.name), &key) << key.name << " stands twice";
+    for (const std::string_view name : {"", "putbom", "putBOM ", "putBO"})
+        EXPECT_EQ(keyNamed(name), nullptr) << name;
+}
+
+TEST(SettingsTest, CodesAreTheLow32Bits) {
+    const std::pair<int64_t, int32_t> cases[] = {
+        {4, 4}, {-1, -1}, {0x100000001, 1}, {0x80000000, std::numeric_limits<int32_t>::min()}};
+    for (const auto& [value, code] : cases) {
+        UserDefaults defaults;
+        defaults.setInteger(value, encodingCode);
+        EXPECT_EQ(codeForKey(defaults, encodingCode), code) << value;
+    }
+}
+
+TEST(SettingsTest, ShippedDefaultsGiveEveryKeyAValueOfItsType) {
+    UserDefaults defaults;
+    registerDefaults(defaults, FileManager::defaultManager(), platform::Bundle::mainBundle());
+    for (const auto& key : allKeys()) {
+        const auto value = defaults.objectForKey(key.name);
+        ASSERT_TRUE(value) << key.name;
+        EXPECT_TRUE(platform::isValueOfType(*value, key.type)) << key.name;
+    }
+    EXPECT_EQ(codeForKey(defaults, encodingCode), 4) << "UTF-8";
+    EXPECT_TRUE(defaults.boolForKey(autoBackup));
+    EXPECT_EQ(defaults.arrayForKey(xmlExtensionArray), extensions({"xml", "xhtml"}));
+}
+
+TEST(SettingsTest, UnreadableDefaultsRegisterNothing) {
+    const test::TemporaryDirectory directory;
+    directory.writeFile("text/UserDefaults.plist", "text");
+    directory.writeFile("array/UserDefaults.plist", "<plist><array/></plist>");
+    for (const std::string_view folder : {"missing", "text", "array"}) {
+        UserDefaults defaults;
+        registerDefaults(defaults, FileManager::defaultManager(),
+                         platform::Bundle(directory / folder));
+        EXPECT_EQ(defaults.objectForKey(encodingCode), std::nullopt) << folder;
+    }
+}
+
+} // namespace
+} // namespace zelmora::settings
