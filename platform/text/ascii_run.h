@@ -8,10 +8,17 @@
 
 namespace zelmora::platform {
 
+struct IsNotASCII {
+    template<typename Unit>
+    bool operator()(Unit unit) const {
+        return unit >= 0x80;
+    }
+};
+
 /// Copies from `in` to `out`, widening or narrowing, up to `stop` or the first unit that `special`
 /// holds for, and moves both past what it copied. `special` must hold for all that is not ASCII and
-/// answer by arithmetic alone (| and &, not || and &&): then the fixed-length loops become vector
-/// code.
+/// answer by arithmetic alone (| and &, not || and &&); it is an object of a class of its own and
+/// no function pointer. Then the fixed-length loops become vector code.
 template<typename In, typename Out, typename Special>
 void copyASCIIRun(const In*& in, const In* stop, Out*& out, Special special) {
     constexpr std::ptrdiff_t kBlock = 16;

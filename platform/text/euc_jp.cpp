@@ -14,11 +14,6 @@ constexpr char16_t kFirstHalfWidth = 0xFF61; ///< A1
 constexpr Octet kFirstKatakana = 0xA1;
 constexpr Octet kLastKatakana = 0xDF;
 
-template<typename Unit>
-bool isNotASCII(Unit unit) {
-    return unit >= 0x80;
-}
-
 /// The character of the two bytes at `in` in `plane`, 0 when there is none.
 char16_t characterAt(const char16_t* plane, const Octet* in, const Octet* end) {
     if (end - in < 2)
@@ -40,7 +35,7 @@ bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char1
     char16_t* out = target;
     while (in < stop) {
         if (*in < 0x80) {
-            copyASCIIRun(in, stop, out, isNotASCII<Octet>);
+            copyASCIIRun(in, stop, out, IsNotASCII());
             continue;
         }
         char16_t character;
@@ -68,7 +63,7 @@ bool encodeStep(const char16_t*& in, const char16_t* stop, const char16_t*, Octe
     uint16_t code = 1;
     while (in < stop) {
         if (*in < 0x80) {
-            copyASCIIRun(in, stop, out, isNotASCII<char16_t>);
+            copyASCIIRun(in, stop, out, IsNotASCII());
             continue;
         }
         code = kJISTable._encode[*in];

@@ -43,11 +43,13 @@ constexpr size_t kKatakana = 63;
 constexpr char16_t kYenSign = 0x00A5;
 constexpr char16_t kOverline = 0x203E;
 
-/// Whether `unit`, a byte or a UTF-16 unit, is no ASCII character, or SO, SI or ESC.
-template<typename Unit>
-bool isSpecial(Unit unit) {
-    return (unit >= 0x80) | ((unit & 0xFE) == 0x0E) | (unit == kEscape);
-}
+/// Whether a unit, a byte or one of UTF-16, is no ASCII character, or SO, SI or ESC.
+struct IsSpecial {
+    template<typename Unit>
+    bool operator()(Unit unit) const {
+        return (unit >= 0x80) | ((unit & 0xFE) == 0x0E) | (unit == kEscape);
+    }
+};
 
 /// The designation that the bytes begin with, if it is a known one.
 const Designation* designationAt(const Octet* in, const Octet* end) {
@@ -122,8 +124,8 @@ bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* 
         }
         const Octet* const before = in;
         if (set == Set::ascii)
-            copyASCIIRun(in, stop, out, isSpecial<Octet>);
-        else if (*in <= kSpace && !isSpecial(*in))
+            copyASCIIRun(in, stop, out, IsSpecial());
+        else if (*in <= kSpace && !IsSpecial()(*in))
             *out++ = *in++;
         else
             decodeGraphics(set, in, stop, end, out);
@@ -164,9 +166,9 @@ bool encodeStep(Set& current, const char16_t*& in, const char16_t* stop, Octet*&
     bool encodes = true;
     while (in < stop) {
         const char16_t unit = *in;
-        if (!isSpecial(unit)) {
+        if (!IsSpecial()(unit)) {
             switchTo(Set::ascii, set, out);
-            copyASCIIRun(in, stop, out, isSpecial<char16_t>);
+            copyASCIIRun(in, stop, out, IsSpecial());
             continue;
         }
         if (isRomanOnly(unit)) {
@@ -201,7 +203,7 @@ class ISO2022JPEncoder : public LegacyEncoder {
             });
     }
     bool holds(char16_t unit) const override {
-        return !isSpecial(unit) || isRomanOnly(unit) || kJISTable._encode[unit] != 0;
+        return !IsSpecial()(unit) || isRomanOnly(unit) || kJISTable._encode[unit] != 0;
     }
     void finish(Bytes& out) override {
         std::array<Octet, 4> escape;

@@ -7,14 +7,9 @@
 namespace zelmora::platform {
 namespace {
 
-template<typename Unit>
-bool isNotASCII(Unit unit) {
-    return unit >= 0x80;
-}
-
 bool decodeStep(const Octet*& in, const Octet* stop, const Octet*, char16_t*& out) {
     while (in < stop) {
-        copyASCIIRun(in, stop, out, isNotASCII<Octet>);
+        copyASCIIRun(in, stop, out, IsNotASCII());
         for (; in < stop && *in >= 0x80; ++in)
             *out++ = kMacOSRomanTable._singles[*in];
     }
@@ -23,7 +18,7 @@ bool decodeStep(const Octet*& in, const Octet* stop, const Octet*, char16_t*& ou
 
 bool encodeStep(const char16_t*& in, const char16_t* stop, const char16_t*, Octet*& out) {
     while (in < stop) {
-        copyASCIIRun(in, stop, out, isNotASCII<char16_t>);
+        copyASCIIRun(in, stop, out, IsNotASCII());
         for (; in < stop && *in >= 0x80; ++in) {
             const uint16_t code = kMacOSRomanTable._encode[*in];
             if (code == 0)

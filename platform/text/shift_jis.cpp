@@ -17,14 +17,17 @@ const ShiftJISTable& tableOf() {
     return vendor == Vendor::macintosh ? kMacJapaneseTable : kCodePage932Table;
 }
 
-/// Whether `unit`, a byte or a UTF-16 unit, is not the same character in both worlds.
-template<Vendor vendor, typename Unit>
-bool isSpecial(Unit unit) {
-    if constexpr (vendor == Vendor::macintosh)
-        return (unit >= 0x80) | (unit == '\\');
-    else
-        return unit >= 0x80;
-}
+/// Whether a unit, a byte or one of UTF-16, is not the same ASCII character in both worlds.
+template<Vendor vendor>
+struct IsSpecial {
+    template<typename Unit>
+    bool operator()(Unit unit) const {
+        if constexpr (vendor == Vendor::macintosh)
+            return (unit >= 0x80) | (unit == '\\');
+        else
+            return unit >= 0x80;
+    }
+};
 
 bool appendSequence(const ShiftJISTable& table, char16_t cell, char16_t*& out) {
     const size_t index = static_cast<size_t>(cell - kFirstSequence);
@@ -41,8 +44,8 @@ bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char1
     const Octet* in = source;
     char16_t* out = target;
     while (in < stop) {
-        if (!isSpecial<vendor>(*in)) {
-            copyASCIIRun(in, stop, out, isSpecial<vendor, Octet>);
+        if (!IsSpecial<vendor>()(*in)) {
+            copyASCIIRun(in, stop, out, IsSpecial<vendor>());
             continue;
         }
         char16_t cell = table._singles[*in++];
@@ -84,8 +87,8 @@ bool encodeStep(const char16_t*& in, const char16_t* stop, const char16_t* end, 
     Octet* out = target;
     bool encodes = true;
     while (in < stop) {
-        if (!isSpecial<vendor>(*in)) {
-            copyASCIIRun(in, stop, out, isSpecial<vendor, char16_t>);
+        if (!IsSpecial<vendor>()(*in)) {
+            copyASCIIRun(in, stop, out, IsSpecial<vendor>());
             continue;
         }
         uint16_t code = table._encode[*in];
@@ -115,7 +118,7 @@ class ShiftJISEncoder : public LegacyEncoder {
         return encodeInChunks<2>(in, end, out, encodeStep<vendor>);
     }
     bool holds(char16_t unit) const override {
-        return !isSpecial<vendor>(unit) || tableOf<vendor>()._encode[unit] != 0;
+        return !IsSpecial<vendor>()(unit) || tableOf<vendor>()._encode[unit] != 0;
     }
 };
 
