@@ -6,6 +6,8 @@
 // Roman, which has no katakana at all.
 #include "platform/text/lossy.h"
 
+#include "platform/text/block_scan.h"
+
 #include <algorithm>
 #include <array>
 #include <utf8proc.h>
@@ -18,8 +20,8 @@ struct Twins {
     char16_t _other;
 };
 
-/// Characters that vendors' tables tell apart only by taste, and what stands for a character that
-/// utf8proc would decompose into it, or the other way round.
+/// Characters that tables choose between for one and the same code, and at the end what comes out
+/// of decompositions and its common form.
 constexpr std::array kTwins = {
     Twins{0x301C, 0xFF5E}, // wave dash, fullwidth tilde
     Twins{0x2016, 0x2225}, // double vertical line, parallel to
@@ -42,9 +44,11 @@ constexpr char16_t kSubstitute = u'?';
 using CodePoints = std::array<utf8proc_int32_t, 32>;
 
 /// Whether `unit` is a mark that some character of a legacy encoding is composed with.
-bool isComposingMark(char16_t unit) {
-    return (unit >= 0x0300 && unit <= 0x036F) || unit == 0x3099 || unit == 0x309A;
-}
+struct IsComposingMark {
+    bool operator()(char16_t unit) const {
+        return ((unit >= 0x0300) & (unit <= 0x036F)) | (unit == 0x3099) | (unit == 0x309A);
+    }
+};
 
 bool isMark(utf8proc_int32_t codePoint) {
     const utf8proc_category_t category = utf8proc_category(codePoint);
@@ -62,8 +66,9 @@ bool isLetterOrNumber(utf8proc_int32_t codePoint) {
 const char16_t* findComposing(const char16_t* in, const char16_t* end) {
     if (in == end)
         return end;
-    const char16_t* const mark = std::find_if(in + 1, end, isComposingMark);
-    return mark != end ? mark - 1 : end;
+    const size_t count = static_cast<size_t>(end - in);
+    const size_t mark = findFirstUnit(in, count, IsComposingMark(), 1);
+    return mark < count ? in + mark - 1 : end;
 }
 
 /// The code point at `in`, a lone surrogate as it is; moves `in` past it.
@@ -90,10 +95,12 @@ class LossyPass {
             _in = _encoder.encode(_in, composing, _bytes);
             if (_in == _end)
                 break;
-            if (_in == composing)
+            if (_in == composing) {
                 writeComposed();
-            else
-                alter(nextCodePoint(_in, _end), _in - 1 != begin);
+                continue;
+            }
+            const bool isAfterCharacter = _in != begin;
+            alter(nextCodePoint(_in, _end), isAfterCharacter);
         }
         _encoder.finish(_bytes);
         return std::move(_bytes);
@@ -147,7 +154,7 @@ class LossyPass {
         CodePoints codePoints;
         codePoints[0] = *_in++;
         size_t count = 1;
-        while (_in != _end && count < codePoints.size() && isComposingMark(*_in))
+        while (_in != _end && count < codePoints.size() && IsComposingMark()(*_in))
             codePoints[count++] = *_in++;
         const utf8proc_ssize_t composed = utf8proc_normalize_utf32(
             codePoints.data(), static_cast<utf8proc_ssize_t>(count),
