@@ -8,6 +8,8 @@ PropertyListValue& PropertyListValue::operator=(const PropertyListValue&) = defa
 PropertyListValue& PropertyListValue::operator=(PropertyListValue&&) noexcept = default;
 PropertyListValue::~PropertyListValue() = default;
 
-bool PropertyListValue::operator==(const PropertyListValue&) const = default;
+bool PropertyListValue::operator==(const PropertyListValue& other) const {
+    return _content == other._content;
+}
 
 } // namespace zelmora::platform
