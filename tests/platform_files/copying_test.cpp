@@ -1,0 +1,165 @@
+#include "child_process.h"
+#include "files_test_case.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+namespace zelmora::platform {
+namespace {
+
+using Copying = FilesTestCase;
+using test::readFile;
+
+/// All that a copy is to keep of an item, in one comparable line.
+std::string portraitOf(const std::string& path) {
+    struct stat status = {};
+    EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
+    char value[100] = {};
+    auto size = ::lgetxattr(path.c_str(), "user.note", value, sizeof value);
+    std::string portrait = "mode " + std::to_string(status.st_mode) + " owner " +
+                           std::to_string(status.st_uid) + " changed " +
+                           std::to_string(status.st_mtim.tv_sec) + "." +
+                           std::to_string(status.st_mtim.tv_nsec) + " note " +
+                           (size < 0 ? "none" : std::string(value, size_t(size)));
+    if (S_ISLNK(status.st_mode)) {
+        size = ::readlink(path.c_str(), value, sizeof value);
+        portrait += " to " + std::string(value, size_t(size));
+    } else if (S_ISREG(status.st_mode)) {
+        portrait += " holds " + readFile(path);
+    }
+    return portrait;
+}
+
+void setChanged(const std::string& path, time_t seconds) {
+    const timespec times[] = {{seconds, 1}, {seconds, 123456789}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << path;
+}
+
+TEST_F(Copying, ATreeIsCopiedWithAllThatBelongsToIt) {
+    const std::vector<std::string> names = {"",        "/a.txt",     "/\x93\xFA\xFF", "/sub",
+                                            "/sub/.b", "/sub/empty", "/sub/link",     "/sub/big"};
+    const std::string tree = _folder / "tree";
+    _folder.writeFile("tree/a.txt", "a");
+    _folder.writeFile("tree/\x93\xFA\xFF", "not UTF-8");
+    _folder.writeFile("tree/sub/.b", "");
+    _folder.writeFile("tree/sub/big", std::string(1000000, 'b'));
+    ASSERT_EQ(::mkdir((tree + "/sub/empty").c_str(), 0700), 0);
+    ASSERT_EQ(::symlink("../nowhere", (tree + "/sub/link").c_str()), 0);
+    ASSERT_EQ(::setxattr((tree + "/a.txt").c_str(), "user.note", "kept", 4, 0), 0);
+    ASSERT_EQ(::setxattr((tree + "/sub").c_str(), "user.note", "too", 3, 0), 0);
+    ASSERT_EQ(::chmod((tree + "/a.txt").c_str(), 0444), 0);
+    ASSERT_EQ(::chmod((tree + "/sub").c_str(), 0555), 0);
+    if (::getuid() == 0) {
+        ASSERT_EQ(::lchown((tree + "/sub/link").c_str(), 1234, 1234), 0);
+        ASSERT_EQ(::lchown((tree + "/sub/big").c_str(), 1234, 1234), 0);
+    }
+    for (size_t i = names.size(); i-- > 0;) {
+        setChanged(tree + names[i], 1000000000 + time_t(i));
+    }
+    ASSERT_EQ(codeOf(_files.copyItemAtPath(tree, _folder / "copy/")), 0);
+    for (const std::string& name : names) {
+        EXPECT_EQ(portraitOf(_folder / "copy" + name), portraitOf(tree + name)) << name;
+    }
+    EXPECT_EQ(_folder.items().size(), 2 * names.size());
+
+    for (const char* name : {"/a.txt", "/sub/link"}) { // single items
+        const std::string copy = _folder / "single";
+        EXPECT_EQ(codeOf(_files.copyItemAtPath(tree + name, copy)), 0) << name;
+        EXPECT_EQ(portraitOf(copy), portraitOf(tree + name)) << name;
+        EXPECT_EQ(codeOf(_files.removeItemAtPath(copy)), 0) << name;
+    }
+}
+
+TEST_F(Copying, AFailureLeavesNothing) {
+    _folder.writeFile("tree/file", "text");
+    _folder.writeFile("tree/sub/file", "text");
+    _folder.writeFile("plain", "");
+    ASSERT_EQ(::mkfifo((_folder / "fifo").c_str(), 0600), 0);
+    _folder.writeFile("odd/sub/file", "text");
+    ASSERT_EQ(::mkfifo((_folder / "odd/sub/fifo").c_str(), 0600), 0);
+    ASSERT_EQ(::symlink("tree/sub", (_folder / "way").c_str()), 0);
+    ASSERT_EQ(::symlink("nowhere", (_folder / "dangling").c_str()), 0);
+    const Items before = _folder.items();
+    const struct {
+        const char* from;
+        const char* to;
+        int code;
+    } cases[] = {
+        {"tree", "plain", EEXIST},        {"tree", "dangling", EEXIST},
+        {"plain", "tree", EEXIST},        {"absent", "copy", ENOENT},
+        {"plain", "plain/copy", ENOTDIR}, {"tree", "absent/copy", ENOENT},
+        {"fifo", "copy", EINVAL},         {"odd", "copy", EINVAL},
+        {"tree", "tree/copy", EINVAL},    {"tree", "tree/sub/copy", EINVAL},
+        {"tree", "way/copy", EINVAL},     {"tree/sub", "way/../sub/copy", EINVAL},
+        {"tree", "tree/", EEXIST},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / c.from, _folder / c.to)), c.code)
+            << c.from << " to " << c.to;
+        EXPECT_EQ(_folder.items(), before) << c.from << " to " << c.to;
+    }
+    const Status status = _files.copyItemAtPath(_folder / "odd", _folder / "copy");
+    EXPECT_TRUE(status.error().message.starts_with(_folder / "odd/sub/fifo: copy to "))
+        << status.error().message;
+}
+
+TEST_F(Copying, AFolderMayBeCopiedBesideItselfOrOutOfAnother) {
+    _folder.writeFile("tree/sub/file", "text");
+    EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / "tree", _folder / "tree2")), 0);
+    EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / "tree/sub", _folder / "tree/sub2")), 0);
+    EXPECT_EQ(readFile(_folder / "tree/sub2/file"), "text");
+    EXPECT_EQ(readFile(_folder / "tree2/sub/file"), "text");
+}
+
+TEST_F(Copying, AScratchCopyGoesEvenWhenItsFoldersForbidChanges) {
+    _folder.writeFile("tree/locked/inner/file", "text");
+    ASSERT_EQ(::mkdir((_folder / "to").c_str(), 0777), 0);
+    ASSERT_EQ(::chmod((_folder / "tree/locked/inner").c_str(), 0555), 0);
+    ASSERT_EQ(::mkfifo((_folder / "tree/locked/fifo").c_str(), 0600), 0);
+    ASSERT_EQ(::chmod(_folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod((_folder / "to").c_str(), 0777), 0);
+    EXPECT_TRUE(passesInChild([&] {
+        ASSERT_TRUE(::getuid() != 0 || ::setresuid(65534, 65534, 65534) == 0);
+        EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / "tree", _folder / "to/copy")), EINVAL);
+        EXPECT_TRUE(std::filesystem::is_empty(_folder / "to"));
+    }));
+}
+
+TEST_F(Copying, HFSCodesAreReadAndSetInTheFirstEightBytes) {
+    const char* attribute = "user.com.apple.FinderInfo";
+    const std::string file = _folder.writeFile("file", "");
+    const HFSCodes codes = {0x54455854, 0x616220FF};
+    const auto raw = [&](const std::string& path) {
+        char value[64] = {};
+        const auto size = ::getxattr(path.c_str(), attribute, value, sizeof value);
+        return size < 0 ? "none" : std::string(value, size_t(size));
+    };
+    EXPECT_EQ(_files.hfsCodesOfItemAtPath(file).value(), HFSCodes());
+    EXPECT_EQ(codeOf(_files.setHFSCodes({}, file)), 0);
+    EXPECT_EQ(raw(file), "none");
+    EXPECT_EQ(codeOf(_files.setHFSCodes(codes, file)), 0);
+    EXPECT_EQ(raw(file), "TEXTab \xFF" + std::string(24, '\0'));
+    EXPECT_EQ(_files.hfsCodesOfItemAtPath(file).value(), codes);
+
+    const std::string before = "12345678abcdefghijklmnopqrstuvwx";
+    ASSERT_EQ(::setxattr(file.c_str(), attribute, before.data(), before.size(), 0), 0);
+    EXPECT_EQ(codeOf(_files.setHFSCodes(codes, file)), 0);
+    EXPECT_EQ(raw(file), "TEXTab \xFF" + before.substr(8));
+    EXPECT_EQ(codeOf(_files.setHFSCodes({}, file)), 0);
+    EXPECT_EQ(raw(file), std::string(8, '\0') + before.substr(8));
+
+    ASSERT_EQ(::symlink("file", (_folder / "link").c_str()), 0);
+    ASSERT_EQ(::setxattr(file.c_str(), attribute, "TEXT", 4, 0), 0);
+    EXPECT_EQ(_files.hfsCodesOfItemAtPath(file).value(), (HFSCodes{0x54455854, 0}));
+    EXPECT_EQ(_files.hfsCodesOfItemAtPath(_folder / "link").value(), HFSCodes());
+    EXPECT_EQ(codeOf(_files.hfsCodesOfItemAtPath(_folder / "absent")), ENOENT);
+    EXPECT_EQ(codeOf(_files.setHFSCodes({}, _folder / "absent")), ENOENT);
+    EXPECT_NE(codeOf(_files.setHFSCodes(codes, "/proc/self/status")), 0) << "holds no codes";
+    EXPECT_EQ(codeOf(_files.setHFSCodes({}, "/proc/self/status")), 0);
+}
+
+} // namespace
+} // namespace zelmora::platform

@@ -1,0 +1,125 @@
+#include "child_process.h"
+#include "files_test_case.h"
+#include "tests/support/faulty_file_manager.h"
+
+#include <cerrno>
+#include <climits>
+#include <sys/resource.h>
+
+namespace zelmora::platform {
+namespace {
+
+using LongPaths = FilesTestCase;
+
+TEST_F(LongPaths, EveryOperationGoesBeyondPathMax) {
+    // Both sides of the limit, then far beyond it, with a doubled slash wherever a path is cut.
+    constexpr size_t kLimit = PATH_MAX;
+    for (const size_t length : {kLimit - 70, kLimit - 1, kLimit, 3 * kLimit}) {
+        std::string folder = _folder / "long";
+        while (folder.size() + 102 <= length) {
+            folder += "//" + std::string(100, 'd');
+        }
+        folder += "/" + std::string(length - folder.size(), 'e');
+        const std::string file = folder + "/file";
+        const std::string copy = folder + "/copy";
+        ASSERT_EQ(codeOf(_files.createDirectoryAtPath(folder)), 0) << length;
+        EXPECT_TRUE(_files.isDirectoryAtPath(folder)) << length;
+        EXPECT_EQ(codeOf(_files.createFileAtPath(file, bytesOf("one"))), 0) << length;
+        EXPECT_EQ(codeOf(_files.createFileAtPath(file, bytesOf("no"))), EEXIST) << length;
+        EXPECT_EQ(codeOf(_files.appendToFileAtPath(file, bytesOf("two"))), 0) << length;
+        EXPECT_EQ(codeOf(_files.setHFSCodes({1, 2}, file)), 0) << length;
+        EXPECT_EQ(codeOf(_files.copyItemAtPath(file, copy)), 0) << length;
+        EXPECT_EQ(codeOf(_files.replaceFileAtPath(file, bytesOf("three"))), 0) << length;
+        EXPECT_EQ(contentsOf(_files, file), "three") << length;
+        EXPECT_EQ(codeOf(_files.removeFileAtPath(file)), 0) << length;
+        EXPECT_FALSE(_files.fileExistsAtPath(file)) << length;
+        EXPECT_EQ(codeOf(_files.moveItemAtPath(copy, file)), 0) << length;
+        EXPECT_EQ(contentsOf(_files, file), "onetwo") << length;
+        EXPECT_EQ(_files.hfsCodesOfItemAtPath(file).value(), (HFSCodes{1, 2})) << length;
+        EXPECT_EQ(_files.typeOfItemAtPath(file).value(), FileType::regular) << length;
+        Items visited;
+        EXPECT_EQ(codeOf(_files.enumerateAtPath(folder,
+                                                [&](const std::string& path, FileType) {
+                                                    visited.push_back(path);
+                                                    return true;
+                                                })),
+                  0);
+        EXPECT_EQ(visited, Items({"file"})) << length;
+        EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / "long")), 0) << length;
+        EXPECT_EQ(_folder.items(), Items()) << length;
+    }
+    const std::string component = _folder / std::string(2 * PATH_MAX, 'n') + "/file";
+    EXPECT_EQ(codeOf(_files.contentsAtPath(component)), ENAMETOOLONG);
+}
+
+TEST_F(LongPaths, HundredsOfLevelsNeedFewDescriptors) {
+    constexpr int kDepth = 700; // far more than descriptors, and beyond PATH_MAX
+    std::string path = _folder / "deep";
+    for (int i = 1; i < kDepth; ++i) {
+        path += "/a level";
+    }
+    EXPECT_TRUE(passesInChild([&] {
+        const rlimit limit = {128, 128};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+        ASSERT_EQ(codeOf(_files.createDirectoryAtPath(path)), 0);
+        ASSERT_EQ(codeOf(_files.createFileAtPath(path + "/file", bytesOf("deep"))), 0);
+        // Met after the walk has been down, if its folder lists it last.
+        ASSERT_EQ(codeOf(_files.createFileAtPath(_folder / "deep/a level/x", bytesOf("x"))), 0);
+        ASSERT_EQ(codeOf(_files.createFileAtPath(_folder / "deep/a level/A", bytesOf("A"))), 0);
+        EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / "deep", _folder / "copy")), 0);
+        path.replace(path.find("/deep"), 5, "/copy");
+        EXPECT_EQ(contentsOf(_files, path + "/file"), "deep");
+        EXPECT_EQ(contentsOf(_files, _folder / "copy/a level/x"), "x");
+        int count = 0;
+        EXPECT_EQ(codeOf(_files.enumerateAtPath(
+                      _folder.path(), [&](const std::string&, FileType) { return ++count, true; })),
+                  0);
+        EXPECT_EQ(count, 2 * (kDepth + 3));
+    }));
+    for (const char* name : {"deep", "copy"}) {
+        EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / name)), 0) << name;
+    }
+    EXPECT_EQ(_folder.items(), Items());
+}
+
+TEST_F(LongPaths, AWalkWhoseWayBackIsGoneFails) {
+    std::string path = _folder / "deep";
+    for (int i = 1; i < 200; ++i) {
+        path += "/d";
+    }
+    ASSERT_EQ(codeOf(_files.createDirectoryAtPath(path)), 0);
+    int depth = 0;
+    const Status status =
+        _files.enumerateAtPath(_folder / "deep", [&](const std::string&, FileType) {
+            if (++depth == 199) { // the lower half goes elsewhere
+                EXPECT_EQ(codeOf(_files.moveItemAtPath(path.substr(0, path.size() - 200),
+                                                       _folder / "elsewhere")),
+                          0);
+            }
+            return true;
+        });
+    EXPECT_EQ(codeOf(status), ESTALE);
+}
+
+TEST_F(LongPaths, AFaultyManagerFailsWhatItIsToldAndRemembersAll) {
+    test::FaultyFileManager faulty(_files);
+    faulty.failOperation(2, ENOSPC);
+    const std::string path = _folder / "file";
+    EXPECT_EQ(codeOf(faulty.createFileAtPath(path, bytesOf("1"))), 0);
+    EXPECT_EQ(codeOf(faulty.appendToFileAtPath(path, bytesOf("2"))), ENOSPC);
+    EXPECT_EQ(codeOf(faulty.appendToFileAtPath(path, bytesOf("3"))), 0);
+    faulty.failEvery("contentsAtPath", EIO);
+    EXPECT_EQ(contentsOf(faulty, path), "<" + std::to_string(EIO) + ">");
+    faulty.failEvery("contentsAtPath", 0);
+    EXPECT_EQ(contentsOf(faulty, path), "13");
+    EXPECT_TRUE(faulty.fileExistsAtPath(path));
+    const std::vector<test::FaultyFileManager::Operation> expected = {{"createFileAtPath", path},
+                                                                      {"appendToFileAtPath", path},
+                                                                      {"appendToFileAtPath", path},
+                                                                      {"contentsAtPath", path},
+                                                                      {"contentsAtPath", path}};
+    EXPECT_EQ(faulty.operations(), expected);
+}
+
+} // namespace
+} // namespace zelmora::platform

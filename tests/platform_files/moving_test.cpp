@@ -1,0 +1,128 @@
+#include "child_process.h"
+#include "files_test_case.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+namespace zelmora::platform {
+namespace {
+
+using Moving = FilesTestCase;
+using test::readFile;
+
+TEST_F(Moving, FilesAndLinksAreDeletedAndFoldersRefused) {
+    _folder.writeFile("file", "text");
+    _folder.writeFile("folder/inner", "text");
+    ASSERT_EQ(::symlink("folder", (_folder / "way").c_str()), 0);
+    const struct {
+        std::string name;
+        int code;
+    } cases[] = {
+        {"folder", EISDIR}, {std::string("file\0x", 6), EINVAL}, {"file", 0}, {"file", ENOENT},
+        {"way", 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(codeOf(_files.removeFileAtPath(_folder / c.name)), c.code) << c.name;
+    }
+    EXPECT_EQ(_folder.items(), Items({"folder/", "folder/inner"}));
+}
+
+TEST_F(Moving, ItemsAreDeletedWithEverythingInThemButNothingBehindLinks) {
+    for (const char* name : {"kept/file", "tree/a/b/c", "tree/d", "tree/a/.e", "file"}) {
+        _folder.writeFile(name, "");
+    }
+    ASSERT_EQ(::symlink("../../kept", (_folder / "tree/a/way").c_str()), 0);
+    ASSERT_EQ(::symlink("kept", (_folder / "way").c_str()), 0);
+    ASSERT_EQ(::mkfifo((_folder / "tree/fifo").c_str(), 0600), 0);
+    for (const char* name : {"tree", "way", "file"}) {
+        EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / name)), 0) << name;
+    }
+    EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / "tree")), ENOENT);
+    EXPECT_EQ(_folder.items(), Items({"kept/", "kept/file"}));
+}
+
+TEST_F(Moving, WhatCannotBeDeletedIsNamed) {
+    _folder.writeFile("tree/locked/file", "");
+    _folder.writeFile("tree/free", "");
+    ASSERT_EQ(::chmod(_folder.path().c_str(), 0777), 0);
+    EXPECT_TRUE(passesInChild([&] {
+        if (::getuid() == 0) { // whom no permission stops
+            for (const char* name : {"tree", "tree/locked"}) {
+                ASSERT_EQ(::chown((_folder / name).c_str(), 65534, 65534), 0);
+            }
+            ASSERT_EQ(::setresuid(65534, 65534, 65534), 0);
+        }
+        ASSERT_EQ(::chmod((_folder / "tree/locked").c_str(), 0500), 0);
+        const Status status = _files.removeItemAtPath(_folder / "tree");
+        EXPECT_EQ(codeOf(status), EACCES);
+        EXPECT_TRUE(status.error().message.starts_with(_folder / "tree/locked/file:"))
+            << status.error().message;
+    }));
+    EXPECT_EQ(_folder.items(), Items({"tree/", "tree/locked/", "tree/locked/file"}));
+}
+
+/// Moves a file, a folder and a link, onto free names and onto taken ones.
+void expectMovesThatReplaceNothing(FileManager& files, const test::TemporaryDirectory& folder) {
+    folder.writeFile("file", "text");
+    folder.writeFile("folder/inner", "inner");
+    folder.writeFile("other", "other");
+    ASSERT_EQ(::mkdir((folder / "empty").c_str(), 0700), 0);
+    ASSERT_EQ(::symlink("nowhere", (folder / "dangling").c_str()), 0);
+    for (const char* from : {"file", "folder", "dangling"}) {
+        const std::string moved = std::string(from) + "-moved";
+        for (const char* taken : {"other", "empty", "dangling", from}) {
+            EXPECT_EQ(codeOf(files.moveItemAtPath(folder / from, folder / taken)), EEXIST)
+                << from << " to " << taken;
+        }
+        EXPECT_EQ(codeOf(files.moveItemAtPath(folder / from, folder / moved)), 0) << from;
+        EXPECT_EQ(codeOf(files.moveItemAtPath(folder / from, folder / moved)), ENOENT) << from;
+        if (std::string_view(from) != "dangling") {
+            ASSERT_TRUE(files.moveItemAtPath(folder / moved, folder / from).ok());
+        }
+    }
+    EXPECT_EQ(codeOf(files.moveItemAtPath(folder / "file", folder / "absent/file")), ENOENT);
+    EXPECT_EQ(folder.items(), std::vector<std::string>({"dangling-moved@", "empty/", "file",
+                                                        "folder/", "folder/inner", "other"}));
+    EXPECT_EQ(readFile(folder / "file"), "text");
+    EXPECT_EQ(readFile(folder / "other"), "other");
+}
+
+TEST_F(Moving, ReplacesNothing) {
+    expectMovesThatReplaceNothing(_files, _folder);
+}
+
+TEST_F(Moving, FileSystemsThatKnowLessGetTheSameInMoreSteps) {
+    const RefusedCall noUnnamedFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY, EOPNOTSUPP};
+    const RefusedCall noSafeRename = {SYS_renameat2, 4, ~0U, EINVAL};
+    const RefusedCall noLinks = {SYS_linkat, 1, ~0U, EPERM};
+    const RefusedCall noCloning = {SYS_copy_file_range, 4, ~0U, EXDEV};
+    const struct {
+        const char* name;
+        std::vector<RefusedCall> refused;
+    } cases[] = {
+        {"no unnamed files", {noUnnamedFiles}},
+        {"unnamed files, but no naming them", {noLinks}},
+        {"no rename without replacing", {noUnnamedFiles, noSafeRename, noCloning}},
+        {"no links either", {noUnnamedFiles, noSafeRename, noLinks}},
+    };
+    for (const auto& c : cases) {
+        const test::TemporaryDirectory folder;
+        EXPECT_TRUE(passesInChild([&] {
+            refuseCalls(c.refused);
+            expectMovesThatReplaceNothing(_files, folder);
+            const std::string big(700000, 'x');
+            EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf(big))), 0);
+            EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf("2"))), EEXIST);
+            EXPECT_EQ(codeOf(_files.copyItemAtPath(folder / "new", folder / "new copy")), 0);
+            EXPECT_TRUE(readFile(folder / "new copy") == big);
+            EXPECT_EQ(codeOf(_files.copyItemAtPath(folder / "folder", folder / "folder copy")), 0);
+            EXPECT_EQ(readFile(folder / "folder copy/inner"), "inner");
+            EXPECT_EQ(folder.items().size(), 10U) << testing::PrintToString(folder.items());
+        })) << c.name;
+    }
+}
+
+} // namespace
+} // namespace zelmora::platform
