@@ -47,6 +47,11 @@ class FileManager {
     /// Whether a folder is there once links are followed.
     [[nodiscard]] virtual bool isDirectoryAtPath(const std::string& path) = 0;
 
+    /// Whether the item at `path` is the item at `otherPath` or a folder that holds it at any
+    /// depth, whatever links the two paths go through. NO when either is not there.
+    [[nodiscard]] virtual bool itemAtPathContainsItemAtPath(const std::string& path,
+                                                            const std::string& otherPath) = 0;
+
     /// The item's HFS codes; both 0 when it carries none or its file system can hold none.
     virtual Result<HFSCodes> hfsCodesOfItemAtPath(const std::string& path) = 0;
 

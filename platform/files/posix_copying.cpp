@@ -280,6 +280,18 @@ int copyItem(const Location& source, const Location& target, std::string& failed
 
 } // namespace
 
+bool PosixFileManager::itemAtPathContainsItemAtPath(const std::string& path,
+                                                    const std::string& otherPath) {
+    const Location at(path);
+    const Location other(otherPath);
+    struct stat status = {};
+    struct stat otherStatus = {};
+    if (at.error() != 0 || other.error() != 0 || at.status(status, AT_SYMLINK_NOFOLLOW) != 0 ||
+        other.status(otherStatus, AT_SYMLINK_NOFOLLOW) != 0)
+        return false;
+    return isSameItem(status, otherStatus) || checkOutside(status, other) == EINVAL;
+}
+
 Status PosixFileManager::copyItemAtPath(const std::string& path, const std::string& toPath) {
     const std::string targetPath = toPath.substr(0, toPath.find_last_not_of('/') + 1);
     const Location source(path);

@@ -33,6 +33,8 @@ class PosixFileManager final : public FileManager {
     Status moveItemAtPath(const std::string& path, const std::string& toPath) override;
 
     // posix_copying.cpp
+    [[nodiscard]] bool itemAtPathContainsItemAtPath(const std::string& path,
+                                                    const std::string& otherPath) override;
     Status copyItemAtPath(const std::string& path, const std::string& toPath) override;
 };
 

@@ -20,6 +20,8 @@ std::vector<FaultyFileManager::Operation> FaultyFileManager::operations() const 
 }
 
 int FaultyFileManager::begin(const char* name, const std::string& path) {
+    if (_hook)
+        _hook({name, path});
     const std::scoped_lock lock(_mutex);
     _operations.push_back({name, path});
     const auto byOrdinal = _codeOfOrdinal.find(_operations.size());
@@ -32,6 +34,11 @@ int FaultyFileManager::begin(const char* name, const std::string& path) {
 
 bool FaultyFileManager::fileExistsAtPath(const std::string& path) {
     return _target.fileExistsAtPath(path);
+}
+
+bool FaultyFileManager::itemAtPathContainsItemAtPath(const std::string& path,
+                                                     const std::string& otherPath) {
+    return _target.itemAtPathContainsItemAtPath(path, otherPath);
 }
 
 bool FaultyFileManager::isDirectoryAtPath(const std::string& path) {

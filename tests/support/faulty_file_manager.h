@@ -4,9 +4,11 @@
 #include "platform/files/file_manager.h"
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelmora::test {
@@ -14,7 +16,7 @@ namespace zelmora::test {
 /// Stands between the code under test and `target`, which must outlive it. A failed operation does
 /// nothing at all but answer the error. Safe on any thread, as any FileManager is.
 ///
-/// The questions fileExistsAtPath and isDirectoryAtPath cannot fail; they are not counted.
+/// The questions that answer a bool cannot fail; they are not counted.
 class FaultyFileManager final : public platform::FileManager {
   public:
     struct Operation {
@@ -30,12 +32,18 @@ class FaultyFileManager final : public platform::FileManager {
     /// Every operation of this name fails with this errno, from now on; with 0 it works again.
     void failEvery(const std::string& name, int code);
 
+    /// Called with each operation before it is carried out, on the thread that asks for it. Set it
+    /// while no other thread uses this.
+    void setHook(std::function<void(const Operation&)> hook) { _hook = std::move(hook); }
+
     /// What has been asked for so far, failed operations included.
     [[nodiscard]] std::vector<Operation> operations() const;
 
     [[nodiscard]] bool fileExistsAtPath(const std::string& path) override;
     platform::Result<platform::FileType> typeOfItemAtPath(const std::string& path) override;
     [[nodiscard]] bool isDirectoryAtPath(const std::string& path) override;
+    [[nodiscard]] bool itemAtPathContainsItemAtPath(const std::string& path,
+                                                    const std::string& otherPath) override;
     platform::Result<platform::HFSCodes> hfsCodesOfItemAtPath(const std::string& path) override;
     platform::Status enumerateAtPath(const std::string& path,
                                      const EnumerationVisitor& visitor) override;
@@ -68,6 +76,7 @@ class FaultyFileManager final : public platform::FileManager {
     }
 
     platform::FileManager& _target;
+    std::function<void(const Operation&)> _hook;
     mutable std::mutex _mutex; ///< guards what follows
     std::vector<Operation> _operations;
     std::map<size_t, int> _codeOfOrdinal;
