@@ -8,9 +8,7 @@ import re
 import sys
 from pathlib import Path
 
-UNASSIGNED, FIRST_SEQUENCE, FIRST_ROW = 0xD800, 0xD801, 0xDC00
-FIRST_TRAIL, TRAILS = 0x40, 0xFD - 0x40
-CELLS = 94
+UNASSIGNED, FIRST_SEQUENCE = 0xD800, 0xD801
 
 
 def read(path):
@@ -43,11 +41,9 @@ def encode_table(name, cells):
 
 
 def shift_jis(name, table, entries):
-    singles, doubles, cells, sequences = [UNASSIGNED] * 256, [], {}, []
     leads = sorted({code[0] for code, _, _ in entries if len(code) == 2})
-    for row, lead in enumerate(leads):
-        singles[lead] = FIRST_ROW + row
-        doubles += [UNASSIGNED] * TRAILS
+    rows = [leads.index(byte) + 1 if byte in leads else 0 for byte in range(256)]
+    singles, doubles, cells = [UNASSIGNED] * 256, [UNASSIGNED] * (256 * (len(leads) + 1)), {}
     sequences = sorted((entry for entry in entries if len(entry[1]) > 1), key=lambda entry: -len(entry[1]))
     for code, units, written in entries:
         value = units[0]
@@ -58,26 +54,28 @@ def shift_jis(name, table, entries):
         if len(code) == 1:
             singles[code[0]] = value
         else:
-            doubles[leads.index(code[0]) * TRAILS + code[1] - FIRST_TRAIL] = value
+            doubles[rows[code[0]] << 8 | code[1]] = value
     text, encode = encode_table(name, cells)
-    text += array("char16_t", f"{name}Singles", singles) + array("char16_t", f"{name}Doubles", doubles)
+    text += array("char16_t", f"{name}Singles", singles) + array("uint8_t", f"{name}Rows", rows)
+    text += array("char16_t", f"{name}Doubles", doubles)
     if sequences:
         text += f"constexpr Sequence {name}Sequences[] = {{\n"
         for code, units, _ in sequences:
             points = ", ".join(f"0x{unit:04X}" for unit in units)
             text += f"    {{0x{int.from_bytes(code, 'big'):04X}, {len(units)}, {{{points}}}}},\n"
         text += "};\n"
-    pointer = f"{name}Sequences" if sequences else "{}"
-    return text, f"constinit const ShiftJISTable {table} = {{{name}Singles, {name}Doubles, {encode}, {pointer}}};\n"
+    fields = [f"{name}Singles", f"{name}Rows", f"{name}Doubles", encode]
+    fields.append(f"{name}Sequences" if sequences else "{}")
+    return text, f"constinit const ShiftJISTable {table} = {{{', '.join(fields)}}};\n"
 
 
 def jis(entries):
-    planes = [[0] * (CELLS * CELLS), [0] * (CELLS * CELLS)]
+    planes = [[0] * (128 * 128), [0] * (128 * 128)]
     cells = {0xFF61 + offset: 0xA1 + offset for offset in range(63)}
     for code, (unit,), written in entries:
         plane = len(code) - 2
         row, cell = code[-2:]
-        planes[plane][(row - 0xA1) * CELLS + cell - 0xA1] = unit
+        planes[plane][(row - 0x80) << 7 | (cell - 0x80)] = unit
         if written:
             assert unit not in cells, f"U+{unit:04X} is written in two ways"
             cells[unit] = row << 8 | (cell - 0x80 if plane else cell)

@@ -15,13 +15,9 @@ constexpr Octet kFirstKatakana = 0xA1;
 constexpr Octet kLastKatakana = 0xDF;
 
 /// The character of the two bytes at `in` in `plane`, 0 when there is none.
-char16_t characterAt(const char16_t* plane, const Octet* in, const Octet* end) {
-    if (end - in < 2)
-        return 0;
-    const size_t row = static_cast<size_t>(in[0] - 0xA1);
-    const size_t cell = static_cast<size_t>(in[1] - 0xA1);
-    return row < JISTable::kCells && cell < JISTable::kCells ? plane[row * JISTable::kCells + cell]
-                                                             : u'\0';
+char16_t characterAt(size_t plane, const Octet* in, const Octet* end) {
+    const bool isPair = end - in >= 2 && (in[0] & in[1] & 0x80) != 0;
+    return isPair ? kJISTable.cell(plane, in[0], in[1]) : u'\0';
 }
 
 /// The katakana of the byte at `in`, 0 when it is none.
@@ -34,52 +30,69 @@ bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char1
     const Octet* in = source;
     char16_t* out = target;
     while (in < stop) {
+        for (; in < stop; in += 2) {
+            const char16_t character = characterAt(0, in, end);
+            if (character == 0)
+                break;
+            *out++ = character;
+        }
+        if (in >= stop)
+            break;
         if (*in < 0x80) {
             copyASCIIRun(in, stop, out, IsNotASCII());
             continue;
         }
-        char16_t character;
-        std::ptrdiff_t length = 2;
-        if (*in == kSingleShift2) {
+        char16_t character = 0;
+        if (*in == kSingleShift2)
             character = katakanaAt(in + 1, end);
-        } else if (*in == kSingleShift3) {
-            character = characterAt(kJISTable._planes[1], in + 1, end);
-            length = 3;
-        } else {
-            character = characterAt(kJISTable._planes[0], in, end);
-        }
+        else if (*in == kSingleShift3)
+            character = characterAt(1, in + 1, end);
         if (character == 0)
             return false;
-        in += length;
         *out++ = character;
+        in += *in == kSingleShift2 ? 2 : 3;
     }
     source = in;
     target = out;
     return true;
 }
 
-bool encodeStep(const char16_t*& in, const char16_t* stop, const char16_t*, Octet*& target) {
+/// Encodes characters of JIS X 0208 as long as one follows another.
+void encodePairs(const char16_t*& in, const char16_t* stop, Octet*& out) {
+    for (; in < stop; ++in) {
+        const uint16_t code = kJISTable._encode[*in];
+        if (!JISTable::isInPlane0(code))
+            return;
+        *out++ = static_cast<Octet>(code >> 8);
+        *out++ = static_cast<Octet>(code);
+    }
+}
+
+bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t*, Octet*& target) {
+    const char16_t* in = source;
     Octet* out = target;
-    uint16_t code = 1;
+    bool encodes = true;
     while (in < stop) {
+        encodePairs(in, stop, out);
+        if (in == stop)
+            break;
         if (*in < 0x80) {
             copyASCIIRun(in, stop, out, IsNotASCII());
             continue;
         }
-        code = kJISTable._encode[*in];
-        if (code == 0)
+        const uint16_t code = kJISTable._encode[*in];
+        encodes = code != 0;
+        if (!encodes)
             break;
-        if (code <= 0xFF)
-            *out++ = kSingleShift2;
-        else if ((code & 0x80) == 0)
-            *out++ = kSingleShift3;
+        *out++ = code <= 0xFF ? kSingleShift2 : kSingleShift3;
         if (code > 0xFF)
             *out++ = static_cast<Octet>(code >> 8);
         *out++ = static_cast<Octet>(code | 0x80);
         ++in;
     }
+    source = in;
     target = out;
-    return code != 0;
+    return encodes;
 }
 
 class EUCJPEncoder : public LegacyEncoder {

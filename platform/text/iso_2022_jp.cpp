@@ -73,14 +73,10 @@ char16_t romanCharacter(Octet byte) {
 }
 
 /// Decodes two-byte characters as long as one follows another.
-void decodePlane(const char16_t* plane, const Octet*& in, const Octet* stop, const Octet* end,
+void decodePlane(size_t plane, const Octet*& in, const Octet* stop, const Octet* end,
                  char16_t*& out) {
-    while (in < stop && end - in >= 2) {
-        const size_t row = static_cast<size_t>(in[0] - kFirstGraphic);
-        const size_t cell = static_cast<size_t>(in[1] - kFirstGraphic);
-        if (row >= JISTable::kCells || cell >= JISTable::kCells)
-            return;
-        const char16_t character = plane[row * JISTable::kCells + cell];
+    while (in < stop && end - in >= 2 && ((in[0] | in[1]) & 0x80) == 0) {
+        const char16_t character = kJISTable.cell(plane, in[0], in[1]);
         if (character == 0)
             return;
         *out++ = character;
@@ -103,9 +99,9 @@ void decodeGraphics(Set set, const Octet*& in, const Octet* stop, const Octet* e
             *out++ = static_cast<char16_t>(kFirstHalfWidth + *in - kFirstGraphic);
         return;
     case Set::jisX0208:
-        return decodePlane(kJISTable._planes[0], in, stop, end, out);
+        return decodePlane(0, in, stop, end, out);
     case Set::jisX0212:
-        return decodePlane(kJISTable._planes[1], in, stop, end, out);
+        return decodePlane(1, in, stop, end, out);
     }
 }
 
@@ -137,11 +133,11 @@ bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* 
     return true;
 }
 
-/// The set in which the character of `cell` (see JISTable) is written.
-Set setOfCell(uint16_t cell) {
-    if (cell <= 0xFF)
+/// The set in which the character of `code` (see JISTable) is written.
+Set setOfCode(uint16_t code) {
+    if (code <= 0xFF)
         return Set::katakana;
-    return (cell & 0x80) != 0 ? Set::jisX0208 : Set::jisX0212;
+    return JISTable::isInPlane0(code) ? Set::jisX0208 : Set::jisX0212;
 }
 
 void switchTo(Set wanted, Set& set, Octet*& out) {
@@ -160,34 +156,54 @@ bool isRomanOnly(char16_t unit) {
     return unit == kYenSign || unit == kOverline;
 }
 
-bool encodeStep(Set& current, const char16_t*& in, const char16_t* stop, Octet*& target) {
+/// Encodes characters of JIS X 0208, which is switched to, as long as one follows another.
+void encodePairs(const char16_t*& in, const char16_t* stop, Octet*& out) {
+    for (; in < stop; ++in) {
+        const uint16_t code = kJISTable._encode[*in];
+        if (!JISTable::isInPlane0(code))
+            return;
+        *out++ = static_cast<Octet>((code >> 8) & 0x7F);
+        *out++ = static_cast<Octet>(code & 0x7F);
+    }
+}
+
+/// Encodes the character at `in` with what it has to switch to; false when it has no code.
+bool encodeCharacter(Set& set, char16_t unit, Octet*& out) {
+    if (isRomanOnly(unit)) {
+        switchTo(Set::roman, set, out);
+        *out++ = unit == kYenSign ? '\\' : '~';
+        return true;
+    }
+    const uint16_t code = kJISTable._encode[unit];
+    if (code == 0)
+        return false;
+    switchTo(setOfCode(code), set, out);
+    if (code > 0xFF)
+        *out++ = static_cast<Octet>((code >> 8) & 0x7F);
+    *out++ = static_cast<Octet>(code & 0x7F);
+    return true;
+}
+
+bool encodeStep(Set& current, const char16_t*& source, const char16_t* stop, Octet*& target) {
     Set set = current;
+    const char16_t* in = source;
     Octet* out = target;
     bool encodes = true;
-    while (in < stop) {
-        const char16_t unit = *in;
-        if (!IsSpecial()(unit)) {
+    while (encodes && in < stop) {
+        if (set == Set::jisX0208)
+            encodePairs(in, stop, out);
+        if (in == stop)
+            break;
+        if (!IsSpecial()(*in)) {
             switchTo(Set::ascii, set, out);
             copyASCIIRun(in, stop, out, IsSpecial());
             continue;
         }
-        if (isRomanOnly(unit)) {
-            switchTo(Set::roman, set, out);
-            *out++ = unit == kYenSign ? '\\' : '~';
-            ++in;
-            continue;
-        }
-        const uint16_t cell = kJISTable._encode[unit];
-        encodes = cell != 0;
-        if (!encodes)
-            break;
-        switchTo(setOfCell(cell), set, out);
-        if (cell > 0xFF)
-            *out++ = static_cast<Octet>((cell >> 8) & 0x7F);
-        *out++ = static_cast<Octet>(cell & 0x7F);
-        ++in;
+        encodes = encodeCharacter(set, *in, out);
+        in += encodes ? 1 : 0;
     }
     current = set;
+    source = in;
     target = out;
     return encodes;
 }

@@ -29,6 +29,10 @@ struct IsSpecial {
     }
 };
 
+bool isNoCharacter(char16_t cell) {
+    return (cell & 0xF800) == kUnassigned;
+}
+
 bool appendSequence(const ShiftJISTable& table, char16_t cell, char16_t*& out) {
     const size_t index = static_cast<size_t>(cell - kFirstSequence);
     if (cell == kUnassigned || index >= table._sequences.size())
@@ -44,36 +48,43 @@ bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char1
     const Octet* in = source;
     char16_t* out = target;
     while (in < stop) {
+        for (; in < stop && end - in >= 2; in += 2) {
+            const char16_t cell = table.cell(in[0], in[1]);
+            if (isNoCharacter(cell))
+                break;
+            *out++ = cell;
+        }
+        if (in >= stop)
+            break;
         if (!IsSpecial<vendor>()(*in)) {
             copyASCIIRun(in, stop, out, IsSpecial<vendor>());
             continue;
         }
-        char16_t cell = table._singles[*in++];
-        if ((cell & 0xFC00) == kFirstRow) {
-            const size_t trail = in != end ? *in++ - ShiftJISTable::kFirstTrail : ~size_t{0};
-            if (trail >= ShiftJISTable::kTrails)
-                return false;
-            cell = table._doubles[(cell - kFirstRow) * ShiftJISTable::kTrails + trail];
-        }
-        if ((cell & 0xF800) != kUnassigned)
+        const bool isLead = table._rows[*in] != 0;
+        if (isLead && end - in < 2)
+            return false;
+        const char16_t cell = isLead ? table.cell(in[0], in[1]) : table._singles[*in];
+        if (!isNoCharacter(cell))
             *out++ = cell;
         else if (!appendSequence(table, cell, out))
             return false;
+        in += isLead ? 2 : 1;
     }
     source = in;
     target = out;
     return true;
 }
 
-/// Whether a code for several units may begin with `unit` and `next`: a count of those that follow,
-/// or a mark on the one before it.
-bool mayBeSequence(char16_t unit, char16_t next) {
-    return (unit >= 0xF860 && unit <= 0xF862) || (next >= 0xF87A && next <= 0xF87F) ||
-           next == 0x20DD;
+/// Whether `unit` may change the meaning of the one before it.
+bool isSequenceMark(char16_t unit) {
+    return (unit >= 0xF87A && unit <= 0xF87F) || unit == 0x20DD;
 }
 
-/// The longest sequence that the units from `in` to `end` begin with, if any.
+/// The longest sequence that the units from `in` to `end` begin with, if any. Those without a mark
+/// in the second place begin with a unit that has no code.
 const Sequence* findSequence(const ShiftJISTable& table, const char16_t* in, const char16_t* end) {
+    if (end - in < 2 || (table._encode[*in] != 0 && !isSequenceMark(in[1])))
+        return nullptr;
     const auto found = std::ranges::find_if(table._sequences, [&](const Sequence& sequence) {
         return sequence._length <= end - in &&
                std::equal(in, in + sequence._length, sequence._units.begin());
@@ -81,32 +92,46 @@ const Sequence* findSequence(const ShiftJISTable& table, const char16_t* in, con
     return found != table._sequences.end() ? &*found : nullptr;
 }
 
+/// Encodes characters of two bytes as long as one follows another.
 template<Vendor vendor>
-bool encodeStep(const char16_t*& in, const char16_t* stop, const char16_t* end, Octet*& target) {
+void encodePairs(const EncodeTable& table, const char16_t*& in, const char16_t* stop, Octet*& out) {
+    for (; in < stop; ++in) {
+        const uint16_t code = table[*in];
+        if (code <= 0xFF)
+            return;
+        if (vendor == Vendor::macintosh && (stop - in < 2 || isSequenceMark(in[1])))
+            return;
+        *out++ = static_cast<Octet>(code >> 8);
+        *out++ = static_cast<Octet>(code);
+    }
+}
+
+template<Vendor vendor>
+bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t* end,
+                Octet*& target) {
     const ShiftJISTable& table = tableOf<vendor>();
+    const char16_t* in = source;
     Octet* out = target;
     bool encodes = true;
     while (in < stop) {
+        encodePairs<vendor>(table._encode, in, stop, out);
+        if (in == stop)
+            break;
         if (!IsSpecial<vendor>()(*in)) {
             copyASCIIRun(in, stop, out, IsSpecial<vendor>());
             continue;
         }
-        uint16_t code = table._encode[*in];
-        std::ptrdiff_t length = 1;
-        if (vendor == Vendor::macintosh && end - in > 1 && mayBeSequence(in[0], in[1])) {
-            if (const Sequence* sequence = findSequence(table, in, end)) {
-                code = sequence->_code;
-                length = sequence->_length;
-            }
-        }
+        const Sequence* const sequence = findSequence(table, in, end);
+        const uint16_t code = sequence != nullptr ? sequence->_code : table._encode[*in];
         encodes = code != 0;
         if (!encodes)
             break;
         if (code > 0xFF)
             *out++ = static_cast<Octet>(code >> 8);
         *out++ = static_cast<Octet>(code);
-        in += length;
+        in += sequence != nullptr ? sequence->_length : 1;
     }
+    source = in;
     target = out;
     return encodes;
 }
