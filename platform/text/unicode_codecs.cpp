@@ -1,7 +1,8 @@
-// Each direction runs twice over its input: once to learn the exact size of the result, once to
-// write it through a plain pointer. The first pass is far cheaper than the zeroes and the copies
-// that a guessed size costs. Fixed-length inner loops are what the compilers turn into vector code.
 #include "platform/text/unicode_codecs.h"
+
+#include "platform/text/ascii_run.h"
+#include "platform/text/block_scan.h"
+#include "platform/text/chunks.h"
 
 #include <array>
 #include <bit>
@@ -11,10 +12,6 @@
 namespace zelmora::platform {
 namespace {
 
-using Octet = unsigned char;
-
-constexpr size_t kBlock = 16; // bytes or units handled at once
-constexpr uint64_t kHighBits = 0x8080808080808080;
 constexpr char32_t kLastCodePoint = 0x10FFFF;
 
 const Octet* octetsOf(ByteView bytes) {
@@ -26,61 +23,14 @@ uint32_t loadLittleEndian32(const Octet* in) {
            static_cast<uint32_t>(in[2]) << 16 | static_cast<uint32_t>(in[3]) << 24;
 }
 
-uint64_t load64(const Octet* in) {
-    uint64_t word;
-    std::memcpy(&word, in, sizeof word);
-    return word;
-}
-
 bool isContinuation(Octet byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-/// Adds up the eight bytes of `word`.
-size_t sumOfBytes(uint64_t word) {
-    const uint64_t pairs = (word & 0x00FF00FF00FF00FF) + ((word >> 8) & 0x00FF00FF00FF00FF);
-    return (pairs * 0x0001000100010001) >> 48;
-}
-
-/// The units that valid UTF-8 decodes to: one for each byte that is no continuation, one more for
-/// each lead of four. For invalid bytes at least what is written before the fault is found.
-size_t utf16LengthOfUTF8(const Octet* in, const Octet* end) {
-    size_t length = static_cast<size_t>(end - in);
-    while (end - in >= 8) {
-        uint64_t continuations = 0; // eight counters of a byte each, so 255 rounds at most
-        uint64_t longLeads = 0;
-        for (int round = 0; round < 255 && end - in >= 8; ++round, in += 8) {
-            const uint64_t word = load64(in);
-            continuations += (word & ~(word << 1) & kHighBits) >> 7;
-            longLeads += (word & (word << 1) & (word << 2) & (word << 3) & kHighBits) >> 7;
-        }
-        length = length - sumOfBytes(continuations) + sumOfBytes(longLeads);
-    }
-    for (; in != end; ++in)
-        length = length - (isContinuation(*in) ? 1 : 0) + (*in >= 0xF0 ? 1 : 0);
-    return length;
-}
-
-void widenASCII(const Octet*& in, const Octet* end, char16_t*& out) {
-    while (end - in >= static_cast<ptrdiff_t>(kBlock) &&
-           ((load64(in) | load64(in + 8)) & kHighBits) == 0) {
-        std::array<Octet, kBlock> narrow;
-        std::array<char16_t, kBlock> wide;
-        std::memcpy(narrow.data(), in, sizeof narrow);
-        for (size_t i = 0; i < kBlock; ++i)
-            wide[i] = narrow[i];
-        std::memcpy(out, wide.data(), sizeof wide);
-        in += kBlock;
-        out += kBlock;
-    }
-    while (in != end && *in < 0x80)
-        *out++ = *in++;
-}
-
 /// Takes three-byte sequences, which Japanese text is made of, as long as one follows another and
 /// a byte is left after it.
-void widenThreeByteRun(const Octet*& in, const Octet* end, char16_t*& out) {
-    while (end - in >= 4) {
+void widenThreeByteRun(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
+    while (in < stop && end - in >= 4) {
         const uint32_t word = loadLittleEndian32(in);
         if ((word & 0x00C0C0F0) != 0x008080E0)
             return;
@@ -130,80 +80,71 @@ char32_t codePointOfPair(char16_t high, char16_t low) {
     return 0x10000 + ((high & 0x3FFu) << 10) + (low & 0x3FFu);
 }
 
-/// REQUIRES: no lone surrogate in `text`.
-size_t utf8LengthOfText(std::u16string_view text) {
-    const auto extraBytes = [](char16_t unit) {
-        // Each half of a pair stands for two of the four bytes.
-        return (unit > 0x7F) + (unit > 0x7FF) - isSurrogate(unit);
-    };
-    size_t length = text.size();
-    const char16_t* in = text.data();
-    const char16_t* const end = in + text.size();
-    for (; end - in >= static_cast<ptrdiff_t>(kBlock); in += kBlock) {
-        uint16_t extra = 0;
-        for (size_t i = 0; i < kBlock; ++i)
-            extra = static_cast<uint16_t>(extra + extraBytes(in[i]));
-        length += extra;
-    }
-    for (; in != end; ++in)
-        length += static_cast<size_t>(extraBytes(*in));
-    return length;
-}
-
-void narrowASCII(const char16_t*& in, const char16_t* end, Octet*& out) {
-    while (end - in >= static_cast<ptrdiff_t>(kBlock)) {
-        std::array<char16_t, kBlock> wide;
-        std::array<Octet, kBlock> narrow;
-        std::memcpy(wide.data(), in, sizeof wide);
-        char16_t all = 0;
-        for (size_t i = 0; i < kBlock; ++i)
-            all = static_cast<char16_t>(all | wide[i]);
-        if (all >= 0x80)
-            break;
-        for (size_t i = 0; i < kBlock; ++i)
-            narrow[i] = static_cast<Octet>(wide[i]);
-        std::memcpy(out, narrow.data(), sizeof narrow);
-        in += kBlock;
-        out += kBlock;
-    }
-    while (in != end && *in < 0x80)
-        *out++ = static_cast<Octet>(*in++);
-}
-
 Octet continuation(char32_t codePoint, int shift) {
     return static_cast<Octet>(0x80 | (codePoint >> shift & 0x3F));
 }
 
-/// Writes units up to the next ASCII one. REQUIRES: no lone surrogate.
-void narrowOthers(const char16_t*& in, const char16_t* end, Octet*& out) {
-    for (; in != end && *in >= 0x80; ++in) {
-        char32_t codePoint = *in;
-        if (codePoint < 0x800) {
-            *out++ = static_cast<Octet>(0xC0 | codePoint >> 6);
-        } else if (!isSurrogate(*in)) {
-            *out++ = static_cast<Octet>(0xE0 | codePoint >> 12);
-            *out++ = continuation(codePoint, 6);
-        } else {
-            codePoint = codePointOfPair(in[0], in[1]);
-            ++in;
-            *out++ = static_cast<Octet>(0xF0 | codePoint >> 18);
-            *out++ = continuation(codePoint, 12);
-            *out++ = continuation(codePoint, 6);
-        }
-        *out++ = continuation(codePoint, 0);
+/// REQUIRES: `codePoint` is not ASCII.
+void writeUTF8(char32_t codePoint, Octet*& out) {
+    if (codePoint < 0x800) {
+        *out++ = static_cast<Octet>(0xC0 | codePoint >> 6);
+    } else if (codePoint < 0x10000) {
+        *out++ = static_cast<Octet>(0xE0 | codePoint >> 12);
+        *out++ = continuation(codePoint, 6);
+    } else {
+        *out++ = static_cast<Octet>(0xF0 | codePoint >> 18);
+        *out++ = continuation(codePoint, 12);
+        *out++ = continuation(codePoint, 6);
     }
-}
-
-/// Whether any of the kBlock units at `in` is a surrogate.
-bool holdsSurrogate(const char16_t* in) {
-    uint16_t surrogates = 0;
-    for (size_t i = 0; i < kBlock; ++i)
-        surrogates = static_cast<uint16_t>(surrogates | isSurrogate(in[i]));
-    return surrogates != 0;
+    *out++ = continuation(codePoint, 0);
 }
 
 bool isSurrogatePair(char16_t first, char16_t second) {
     return isHighSurrogate(first) && isLowSurrogate(second);
+}
+
+bool decodeUTF8Step(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
+    const Octet* in = source;
+    char16_t* out = target;
+    while (in < stop) {
+        if (*in < 0x80) {
+            copyASCIIRun(in, stop, out, IsNotASCII());
+            continue;
+        }
+        const Octet* const start = in;
+        widenThreeByteRun(in, stop, end, out);
+        if (in != start)
+            continue;
+        const Sequence sequence = readSequence(in, end);
+        if (sequence.length == 0)
+            return false;
+        writeUnits(sequence.codePoint, out);
+        in += sequence.length;
+    }
+    source = in;
+    target = out;
+    return true;
+}
+
+bool encodeUTF8Step(const char16_t*& source, const char16_t* stop, const char16_t* end,
+                    Octet*& target) {
+    const char16_t* in = source;
+    Octet* out = target;
+    while (in < stop) {
+        if (*in < 0x80) {
+            copyASCIIRun(in, stop, out, IsNotASCII());
+        } else if (!isSurrogate(*in)) {
+            writeUTF8(*in++, out);
+        } else if (end - in >= 2 && isSurrogatePair(in[0], in[1])) {
+            writeUTF8(codePointOfPair(in[0], in[1]), out);
+            in += 2;
+        } else {
+            return false;
+        }
+    }
+    source = in;
+    target = out;
+    return true;
 }
 
 bool isNativeOrder(bool littleEndian) {
@@ -231,10 +172,19 @@ void copyUnits(const void* from, void* to, size_t count, bool littleEndian) {
     }
     const auto* in = static_cast<const std::byte*>(from);
     auto* out = static_cast<std::byte*>(to);
+    constexpr size_t kBlock = 16; // a fixed number, for vector code
     for (; count >= kBlock; count -= kBlock)
         copySwappedBlock<kBlock>(in, out);
     for (; count > 0; --count)
         copySwappedBlock<1>(in, out);
+}
+
+/// `size` bytes to write to, and room for a mark: who puts one in front need not allocate again.
+Bytes bytesWithRoomForMark(size_t size) {
+    Bytes bytes;
+    bytes.reserve(size + 4);
+    bytes.resize(size);
+    return bytes;
 }
 
 uint32_t swapped32(uint32_t value) {
@@ -254,45 +204,18 @@ size_t utf8SequenceLength(ByteView bytes) {
 }
 
 size_t findLoneSurrogate(std::u16string_view text, size_t from) {
-    size_t offset = from;
-    while (offset < text.size()) {
-        const std::u16string_view block = text.substr(offset, kBlock);
-        if (block.size() == kBlock && !holdsSurrogate(block.data())) {
-            offset += kBlock;
-            continue;
-        }
-        for (const size_t blockEnd = offset + block.size(); offset < blockEnd; ++offset) {
-            if (!isSurrogate(text[offset]))
-                continue;
-            if (offset + 1 == text.size() || !isSurrogatePair(text[offset], text[offset + 1]))
-                return offset;
-            ++offset;
-        }
-    }
-    return text.size();
+    const auto findSurrogate = [&](size_t offset) {
+        return findFirstUnit(
+            text.data(), text.size(), [](char16_t u) { return isSurrogate(u); }, offset);
+    };
+    size_t offset = findSurrogate(from);
+    while (offset + 1 < text.size() && isSurrogatePair(text[offset], text[offset + 1]))
+        offset = findSurrogate(offset + 2);
+    return offset;
 }
 
 std::optional<std::u16string> decodeUTF8(ByteView bytes) {
-    const Octet* in = octetsOf(bytes);
-    const Octet* const end = in + bytes.size();
-    std::u16string text(utf16LengthOfUTF8(in, end), u'\0');
-    char16_t* out = text.data();
-    while (in != end) {
-        if (*in < 0x80) {
-            widenASCII(in, end, out);
-            continue;
-        }
-        const Octet* const start = in;
-        widenThreeByteRun(in, end, out);
-        if (in != start)
-            continue;
-        const Sequence sequence = readSequence(in, end);
-        if (sequence.length == 0)
-            return std::nullopt;
-        writeUnits(sequence.codePoint, out);
-        in += sequence.length;
-    }
-    return text;
+    return decodeInChunks<1>(bytes, decodeUTF8Step);
 }
 
 std::optional<std::u16string> decodeUTF16(ByteView bytes, bool littleEndian) {
@@ -325,23 +248,18 @@ std::optional<std::u16string> decodeUTF32(ByteView bytes, bool littleEndian) {
 }
 
 std::optional<Bytes> encodeUTF8(std::u16string_view text) {
-    if (findLoneSurrogate(text) != text.size())
+    Bytes bytes;
+    bytes.reserve(3 * text.size());
+    const char16_t* const end = text.data() + text.size();
+    if (encodeInChunks<3>(text.data(), end, bytes, encodeUTF8Step) != end)
         return std::nullopt;
-    Bytes bytes(utf8LengthOfText(text));
-    auto* out = reinterpret_cast<Octet*>(bytes.data());
-    const char16_t* in = text.data();
-    const char16_t* const end = in + text.size();
-    while (in != end) {
-        narrowASCII(in, end, out);
-        narrowOthers(in, end, out);
-    }
     return bytes;
 }
 
 std::optional<Bytes> encodeUTF16(std::u16string_view text, bool littleEndian) {
     if (findLoneSurrogate(text) != text.size())
         return std::nullopt;
-    Bytes bytes(text.size() * sizeof(char16_t));
+    Bytes bytes = bytesWithRoomForMark(text.size() * sizeof(char16_t));
     copyUnits(text.data(), bytes.data(), text.size(), littleEndian);
     return bytes;
 }
@@ -352,7 +270,7 @@ std::optional<Bytes> encodeUTF32(std::u16string_view text, bool littleEndian) {
     size_t pairs = 0;
     for (const char16_t unit : text)
         pairs += isHighSurrogate(unit) ? 1 : 0;
-    Bytes bytes((text.size() - pairs) * sizeof(char32_t));
+    Bytes bytes = bytesWithRoomForMark((text.size() - pairs) * sizeof(char32_t));
     std::byte* out = bytes.data();
     for (const char16_t* in = text.data(), * const end = in + text.size(); in != end; ++in) {
         uint32_t value = *in;

@@ -167,6 +167,22 @@ TEST(UnicodeCodecs, RandomUTF8AgreesWithTheCLibrary) {
     }
 }
 
+TEST(UnicodeCodecs, LongTextsOfOneCharacterAtEveryOffset) {
+    for (const std::string_view piece : {"\xC3\xA9", "\xE3\x81\x82", "\xF0\x9F\x98\x80"}) {
+        for (size_t before = 0; before <= 4; ++before) {
+            std::string bytes(before, 'a');
+            for (size_t i = 0; i < 5000; ++i)
+                bytes += piece;
+            const std::u16string text = unitsOf(*iconvConvert(bytes, "UTF-8", "UTF-16LE"));
+            EXPECT_TRUE(decodeUTF8(bytesOf(bytes)) == text) << piece << " after " << before;
+            const auto encoded = encodeUTF8(text);
+            EXPECT_TRUE(encoded && charsOf(*encoded) == bytes) << piece << " after " << before;
+            bytes.pop_back();
+            EXPECT_FALSE(decodeUTF8(bytesOf(bytes))) << piece << " cut off, after " << before;
+        }
+    }
+}
+
 TEST(UnicodeCodecs, WrongSizesAndLoneSurrogatesAreRefused) {
     using namespace std::string_view_literals;
     const struct {
