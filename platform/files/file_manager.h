@@ -4,7 +4,10 @@
 // Paths are the file system's own bytes, of any length (longer than PATH_MAX too). Every operation
 // is safe on any thread, blocks until it is done, and answers why it failed. Interrupted system
 // calls are resumed; no operation opens anything but a regular file or a folder, so none can hang
-// on a FIFO or wake a device.
+// on a FIFO or wake a device. A path with a NUL in it is an error (EINVAL) everywhere.
+//
+// A write beyond the process's limit on file sizes is an error (EFBIG) only if the process ignores
+// SIGXFSZ; otherwise the signal ends it, which costs no file either.
 #pragma once
 
 #include "platform/files/status.h"
@@ -38,7 +41,8 @@ class FileManager {
     // Looking. None of these follows a symbolic link at the path itself unless it says so.
 
     /// Whether anything has this name, a dangling symbolic link included: a name for which this is
-    /// false is free to take.
+    /// false is free to take. Also false where looking fails, so that a search for a free name ends
+    /// and the error comes from taking it.
     [[nodiscard]] virtual bool fileExistsAtPath(const std::string& path) = 0;
 
     /// The type of the item at `path`; ENOENT when there is none.
@@ -61,39 +65,45 @@ class FileManager {
 
     /// Visits everything beneath the folder at `path`, in the file system's order, sub-folders
     /// (hidden ones too) just before what they hold. Symbolic links are visited, never followed; a
-    /// link at `path` itself is not followed either. A sub-folder that cannot be read is passed
-    /// over and the visit goes on; the first such failure is answered at the end.
+    /// link at `path` itself is not followed either (ENOTDIR). A sub-folder that cannot be read is
+    /// passed over and the visit goes on; the first such failure is answered at the end. A folder's
+    /// names are read before the first of them is visited: what the visitor adds or removes there
+    /// does not disturb the visit. ESTALE ends it when folders were moved away from under it.
     virtual Status enumerateAtPath(const std::string& path, const EnumerationVisitor& visitor) = 0;
 
     // Reading and writing.
 
     /// The whole contents of the regular file at `path`, links followed. Anything but a regular
     /// file is an error (EISDIR for a folder, EINVAL for the rest) and is not opened. A file that
-    /// shrinks or grows while it is read is an error (EAGAIN): never a torn text.
+    /// shrinks, grows or is written to while it is read is an error (EAGAIN): never a torn text.
     virtual Result<Bytes> contentsAtPath(const std::string& path) = 0;
 
     /// Makes a new file at `path` holding `contents`, with the permissions a new file gets. The
-    /// bytes are on disk (fdatasync) when it succeeds. They are written to a scratch file in the
-    /// same folder, which then takes the name; so `path` holds all of them or does not exist. A
-    /// name that is taken, by a dangling link too, is an error (EEXIST) and stays as it was. On
-    /// failure no scratch file remains.
+    /// bytes are on disk (fdatasync) when it succeeds. They are written to a file without a name,
+    /// which then takes it; so `path` holds all of them or does not exist, and a process killed on
+    /// the way leaves nothing. (Where the file system has no such files, to a scratch file in the
+    /// same folder, ".zlm" and digits.) A name that is taken, by a dangling link too, is an error
+    /// (EEXIST) and stays as it was. On failure no scratch file remains.
     virtual Status createFileAtPath(const std::string& path, ByteView contents) = 0;
 
-    /// The same, but replaces what regular file has the name. For files of the program's own
-    /// (settings), never for a user's. Permissions of a file replaced are kept.
+    /// The same, but replaces what regular file has the name (EISDIR or EINVAL when it is none).
+    /// Links are followed and stay: the file they lead to is replaced. For files of the program's
+    /// own (settings), never for a user's. A replaced file's permissions and, where the process may
+    /// set it, owner are kept.
     virtual Status replaceFileAtPath(const std::string& path, ByteView contents) = 0;
 
     /// Adds `contents` at the end of the existing regular file at `path`, links followed, in a
-    /// single append; what stood there before is never touched. ENOENT when there is none.
+    /// single append; what stood there before is never touched. ENOENT when there is none, EISDIR
+    /// or EINVAL when it is not a regular file, ENOSPC when only a part could be added.
     virtual Status appendToFileAtPath(const std::string& path, ByteView contents) = 0;
 
     /// Makes a folder, and the missing folders above it, with default permissions. A folder that
-    /// exists (links followed) is a success.
+    /// exists (links followed) is a success; anything else that has the name is EEXIST.
     virtual Status createDirectoryAtPath(const std::string& path) = 0;
 
     /// Sets both HFS codes. Two zero codes on an item without the attribute do nothing and
     /// succeed; the rest of an existing attribute is kept. A file system that cannot hold
-    /// a non-zero code is an error (ENOTSUP).
+    /// a non-zero code is an error (ENOTSUP), and so is a symbolic link (EPERM).
     virtual Status setHFSCodes(HFSCodes codes, const std::string& path) = 0;
 
     // Moving, copying, deleting.
@@ -102,7 +112,7 @@ class FileManager {
     virtual Status removeFileAtPath(const std::string& path) = 0;
 
     /// Deletes an item of any kind, a folder with everything in it; links are deleted, never
-    /// followed.
+    /// followed. What cannot be deleted stays and the rest goes; the first failure is answered.
     virtual Status removeItemAtPath(const std::string& path) = 0;
 
     /// Renames an item within one file system. A name that is taken is an error (EEXIST); nothing
@@ -110,11 +120,14 @@ class FileManager {
     virtual Status moveItemAtPath(const std::string& path, const std::string& toPath) = 0;
 
     /// Copies an item, a folder with everything in it at any depth: names, contents, permissions,
-    /// modification times, symbolic links as links, extended attributes. `toPath` must be free
-    /// (EEXIST) and must not lie inside the folder being copied (EINVAL). The copy is made under a
-    /// scratch name beside `toPath` and takes that name when it is complete, so a copy that failed
-    /// half-way never looks whole; on failure the scratch copy is deleted. What is neither file,
-    /// folder nor link (FIFO, socket, device) fails the copy.
+    /// times, symbolic links as links, the user's extended attributes; owners and the system's
+    /// attributes where the process may set them. `toPath` must be free (EEXIST) and must not lie
+    /// inside the folder being copied (EINVAL). The copy is made under a scratch name beside
+    /// `toPath` and takes that name when it is complete and on disk, so a copy that failed half-way
+    /// never looks whole; on failure the scratch copy is deleted. What is neither file, folder nor
+    /// link (FIFO, socket, device) fails the copy (EINVAL). A file that grows meanwhile is copied
+    /// up to its first length; one that shrinks fails the copy (EAGAIN). The error names the item
+    /// that failed.
     virtual Status copyItemAtPath(const std::string& path, const std::string& toPath) = 0;
 };
 

@@ -10,7 +10,20 @@ namespace zelmora::platform {
 namespace {
 
 bool isUnsupported(int code) {
-    return code == EINVAL || code == ENOSYS || code == EOPNOTSUPP || code == EPERM;
+    return code == EINVAL || code == ENOSYS || code == EOPNOTSUPP;
+}
+
+/// Gives a file or a link its new name beside the old one, then takes the old one away. Killed
+/// between the two, it has both: nothing is lost.
+int renameByLinking(int fromFolder, const char* from, int toFolder, const char* to) {
+    if (::linkat(fromFolder, from, toFolder, to, 0) != 0) {
+        return errno;
+    }
+    const int code = errnoUnless(::unlinkat(fromFolder, from, 0));
+    if (code != 0) {
+        ::unlinkat(toFolder, to, 0);
+    }
+    return code;
 }
 
 /// Takes the new name with an empty item first, which the rename then replaces: the last resort
@@ -58,15 +71,13 @@ int renameWithoutReplacing(int fromFolder, const char* from, int toFolder, const
         return errno;
     }
     const bool directory = S_ISDIR(status.st_mode);
-    if (directory) {
-        return renameOntoPlaceholder(fromFolder, from, toFolder, to, directory);
+    if (!directory) {
+        const int linkCode = renameByLinking(fromFolder, from, toFolder, to);
+        if (!isUnsupported(linkCode) && linkCode != EPERM) { // EPERM: has no hard links
+            return linkCode;
+        }
     }
-    // Killed between these two, the file has both names: nothing is lost.
-    const int linkCode = errnoUnless(::linkat(fromFolder, from, toFolder, to, 0));
-    if (isUnsupported(linkCode)) {
-        return renameOntoPlaceholder(fromFolder, from, toFolder, to, directory);
-    }
-    return linkCode != 0 ? linkCode : errnoUnless(::unlinkat(fromFolder, from, 0));
+    return renameOntoPlaceholder(fromFolder, from, toFolder, to, directory);
 }
 
 ScratchItem::~ScratchItem() {
@@ -75,17 +86,17 @@ ScratchItem::~ScratchItem() {
     }
 }
 
-int ScratchItem::make(const std::function<int(int folder, const char* name)>& make) {
+int ScratchItem::make(const std::function<int(int folder, const char* name)>& maker) {
     static std::atomic<unsigned> counter = 0;
     constexpr int kTries = 1000; // names left behind by killed processes with the same id
     const std::string prefix = _target.sibling(".zlm" + std::to_string(::getpid()) + "-");
     int code = EEXIST;
     for (int i = 0; i < kTries && code == EEXIST; ++i) {
-        const std::string name = prefix + std::to_string(counter++);
-        code = make(folder(), name.c_str());
-        if (code == 0) {
-            _name = name;
-        }
+        _name = prefix + std::to_string(counter++);
+        code = maker(folder(), name());
+    }
+    if (code == EEXIST) {
+        _name.clear(); // somebody else's
     }
     return code;
 }

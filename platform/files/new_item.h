@@ -22,9 +22,10 @@ class ScratchItem {
     ScratchItem& operator=(const ScratchItem&) = delete;
     ~ScratchItem();
 
-    /// Makes the item by `make`, which answers 0 or an errno; called with a folder and a name in
-    /// it, again with another one while the name is taken.
-    int make(const std::function<int(int folder, const char* name)>& make);
+    /// Makes the item by `maker`, which answers 0 or an errno; called with a folder and a name in
+    /// it, again with another one while that answers EEXIST. What it made before it failed for
+    /// another reason is deleted too.
+    int make(const std::function<int(int folder, const char* name)>& maker);
 
     /// The item's folder and name, once it is made.
     [[nodiscard]] int folder() const { return _target.folder(); }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <climits>
+#include <utility>
 #include <vector>
 
 namespace zelmora::platform {
@@ -119,24 +120,25 @@ Status PosixFileManager::appendToFileAtPath(const std::string& path, ByteView co
 }
 
 Status PosixFileManager::createDirectoryAtPath(const std::string& path) {
-    // Up to the first folder that can be made, then down again.
-    std::vector<std::string> missing = {path};
-    for (;;) {
-        const std::string& folder = missing.back();
-        const int code = makeFolder(folder);
-        if (code == 0) {
-            missing.pop_back();
-            if (missing.empty()) {
-                return {};
-            }
-            continue;
-        }
+    // Up to the first folder that can be made or is there, then down again, where every step has
+    // to succeed: some file systems say ENOENT to any new folder.
+    std::vector<std::string> missing;
+    std::string folder = path;
+    int code = makeFolder(folder);
+    while (code == ENOENT) {
         std::string parent = deletingLastPathComponent(folder);
-        if (code != ENOENT || parent.empty() || parent == folder) {
-            return Error::fromErrno(code, folder, "make folder");
+        if (parent.empty() || parent == folder) {
+            break;
         }
-        missing.push_back(std::move(parent));
+        missing.push_back(std::exchange(folder, std::move(parent)));
+        code = makeFolder(folder);
     }
+    while (code == 0 && !missing.empty()) {
+        folder = std::move(missing.back());
+        missing.pop_back();
+        code = makeFolder(folder);
+    }
+    return statusOf(code, folder, "make folder");
 }
 
 } // namespace zelmora::platform

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -115,14 +117,33 @@ TEST_F(Copying, AFolderMayBeCopiedBesideItselfOrOutOfAnother) {
 }
 
 TEST_F(Copying, AScratchCopyGoesEvenWhenItsFoldersForbidChanges) {
-    _folder.writeFile("tree/locked/inner/file", "text");
-    ASSERT_EQ(::mkdir((_folder / "to").c_str(), 0777), 0);
-    ASSERT_EQ(::chmod((_folder / "tree/locked/inner").c_str(), 0555), 0);
-    ASSERT_EQ(::mkfifo((_folder / "tree/locked/fifo").c_str(), 0600), 0);
-    ASSERT_EQ(::chmod(_folder.path().c_str(), 0755), 0);
+    // Wherever the folder lists what cannot be copied, a locked folder is most likely before it.
+    for (int i = 0; i < 20; ++i) {
+        const std::string locked = "tree/locked" + std::to_string(i);
+        _folder.writeFile(locked + "/file", "text");
+        ASSERT_EQ(::chmod((_folder / locked).c_str(), 0555), 0);
+        ASSERT_TRUE(i != 10 || ::mkfifo((_folder / "tree/fifo").c_str(), 0600) == 0);
+    }
+    ASSERT_EQ(::mkdir((_folder / "to").c_str(), 0700), 0);
     ASSERT_EQ(::chmod((_folder / "to").c_str(), 0777), 0);
+    ASSERT_EQ(::chmod(_folder.path().c_str(), 0755), 0);
     EXPECT_TRUE(passesInChild([&] {
         ASSERT_TRUE(::getuid() != 0 || ::setresuid(65534, 65534, 65534) == 0);
+        EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / "tree", _folder / "to/copy")), EINVAL);
+        EXPECT_TRUE(std::filesystem::is_empty(_folder / "to"));
+    }));
+}
+
+TEST_F(Copying, ACopyThatAMountBringsIntoItsSourceEnds) {
+    _folder.writeFile("tree/mount/file", "text");
+    ASSERT_EQ(::mkdir((_folder / "to").c_str(), 0700), 0);
+    EXPECT_TRUE(passesInChild([&] {
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount((_folder / "to").c_str(), (_folder / "tree/mount").c_str(), nullptr, MS_BIND,
+                    nullptr) != 0) {
+            return; // only the superuser can try this
+        }
         EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / "tree", _folder / "to/copy")), EINVAL);
         EXPECT_TRUE(std::filesystem::is_empty(_folder / "to"));
     }));
@@ -155,6 +176,7 @@ TEST_F(Copying, HFSCodesAreReadAndSetInTheFirstEightBytes) {
     ASSERT_EQ(::setxattr(file.c_str(), attribute, "TEXT", 4, 0), 0);
     EXPECT_EQ(_files.hfsCodesOfItemAtPath(file).value(), (HFSCodes{0x54455854, 0}));
     EXPECT_EQ(_files.hfsCodesOfItemAtPath(_folder / "link").value(), HFSCodes());
+    EXPECT_EQ(codeOf(_files.setHFSCodes(codes, _folder / "link")), EPERM);
     EXPECT_EQ(codeOf(_files.hfsCodesOfItemAtPath(_folder / "absent")), ENOENT);
     EXPECT_EQ(codeOf(_files.setHFSCodes({}, _folder / "absent")), ENOENT);
     EXPECT_NE(codeOf(_files.setHFSCodes(codes, "/proc/self/status")), 0) << "holds no codes";

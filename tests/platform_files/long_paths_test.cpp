@@ -12,12 +12,12 @@ namespace {
 using LongPaths = FilesTestCase;
 
 TEST_F(LongPaths, EveryOperationGoesBeyondPathMax) {
-    // Both sides of the limit, then far beyond it, with a doubled slash wherever a path is cut.
+    // Both sides of the limit, then far beyond it, with slashes in plenty wherever a path is cut.
     constexpr size_t kLimit = PATH_MAX;
     for (const size_t length : {kLimit - 70, kLimit - 1, kLimit, 3 * kLimit}) {
         std::string folder = _folder / "long";
-        while (folder.size() + 102 <= length) {
-            folder += "//" + std::string(100, 'd');
+        while (folder.size() + 201 <= length) {
+            folder += std::string(100, '/') + std::string(100, 'd');
         }
         folder += "/" + std::string(length - folder.size(), 'e');
         const std::string file = folder + "/file";

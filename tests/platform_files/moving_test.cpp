@@ -83,6 +83,7 @@ void expectMovesThatReplaceNothing(FileManager& files, const test::TemporaryDire
         }
     }
     EXPECT_EQ(codeOf(files.moveItemAtPath(folder / "file", folder / "absent/file")), ENOENT);
+    EXPECT_EQ(codeOf(files.moveItemAtPath(folder / "folder", folder / "folder/below")), EINVAL);
     EXPECT_EQ(folder.items(), std::vector<std::string>({"dangling-moved@", "empty/", "file",
                                                         "folder/", "folder/inner", "other"}));
     EXPECT_EQ(readFile(folder / "file"), "text");

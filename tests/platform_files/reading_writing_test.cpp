@@ -192,6 +192,7 @@ TEST_F(ReadingWriting, FoldersAreMadeWithTheOnesAboveThem) {
                          "file", "real/", "real/in/", "way@"};
     EXPECT_EQ(_folder.items(), after);
     EXPECT_EQ(codeOf(_files.createDirectoryAtPath("")), ENOENT);
+    EXPECT_EQ(codeOf(_files.createDirectoryAtPath("/proc/a/b")), ENOENT) << "never made there";
 }
 
 TEST_F(ReadingWriting, AFullDiskLeavesEverythingAsItWas) {
