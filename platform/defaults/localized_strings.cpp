@@ -189,19 +189,17 @@ std::string LocalizedStrings::stringForKey(std::string_view key) const {
 std::string LocalizedStrings::format(std::string_view key,
                                      std::initializer_list<std::string_view> arguments) const {
     const std::string text = stringForKey(key);
+    std::string_view rest = text;
     std::string result;
     size_t nextIndex = 0;
-    for (std::string_view rest = text; !rest.empty();) {
-        const size_t plain = std::min(rest.find('%'), rest.size());
-        result += rest.substr(0, plain);
-        rest.remove_prefix(plain);
+    for (size_t percent; (percent = rest.find('%')) != std::string_view::npos;) {
+        result += rest.substr(0, percent);
+        rest.remove_prefix(percent);
         if (rest.starts_with("%%")) {
             result += '%';
             rest.remove_prefix(2);
             continue;
         }
-        if (rest.empty())
-            break;
         const auto placeholder = placeholderAtStart(rest);
         const size_t length = placeholder ? placeholder->length : 1;
         const size_t index = !placeholder         ? arguments.size()
@@ -210,7 +208,7 @@ std::string LocalizedStrings::format(std::string_view key,
         result += index < arguments.size() ? arguments.begin()[index] : rest.substr(0, length);
         rest.remove_prefix(length);
     }
-    return result;
+    return result.append(rest);
 }
 
 } // namespace zelmora::platform

@@ -2,6 +2,7 @@
 #include "tests/support/faulty_file_manager.h"
 #include "tests/support/temporary_directory.h"
 
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -162,6 +163,28 @@ TEST_F(SavedSettingsTest, ManySaveAtOnceAndNoneIsLost) {
     for (auto& thread : writers)
         thread.join();
     EXPECT_EQ(saved().as<PropertyListDictionary>()->size(), size_t{kWriters * kSaves});
+}
+
+TEST_F(SavedSettingsTest, ChangeMadeDuringASaveIsNotLost) {
+    UserDefaults defaults(kKeys);
+    ASSERT_TRUE(defaults.load(_files, _path).empty());
+    std::atomic<bool> isDone = false;
+    std::thread saver([&] {
+        while (!isDone)
+            EXPECT_TRUE(defaults.save(_files));
+    });
+    constexpr int64_t kLast = 300;
+    for (int64_t i = 1; i <= kLast; ++i) {
+        defaults.setInteger(i, "code");
+        int64_t differing = 0;
+        for (int read = 0; read < 1000; ++read)
+            differing += defaults.integerForKey("code") != i;
+        EXPECT_EQ(differing, 0) << i;
+    }
+    isDone = true;
+    saver.join();
+    EXPECT_TRUE(defaults.save(_files));
+    EXPECT_EQ(saved(), (PropertyListDictionary{{"code", kLast}}));
 }
 
 TEST_F(SavedSettingsTest, LockOfAKilledProgramDoesNotStand) {
