@@ -1,0 +1,176 @@
+#include "foundation/eternal.h"
+#include "foundation/orv_pool_impl.h"
+#include "foundation/orv_string_impl.h"
+#include "foundation/orv_test_counters.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <mutex>
+#include <new>
+#include <pthread.h>
+#include <ranges>
+
+namespace zelmora {
+
+namespace {
+
+using Pool = OrvCTemporaryObjectsPool;
+
+/// The stacks of open pools of all threads, innermost last. A thread has an entry only while its
+/// stack is not empty. Every access to a stack happens under the mutex, so that entries may move;
+/// what is on the stack belongs to its thread and is used without it.
+class ThreadPools {
+  public:
+    bool push(Pool* pool) {
+        const Lock lock(*this);
+        return allocating([&] {
+            if (Entry* entry = find()) {
+                entry->pools.push_back(pool);
+                return;
+            }
+            std::vector<Pool*> pools(1, pool);
+            _entries.push_back({pthread_self(), std::move(pools)});
+        });
+    }
+
+    Pool* top() {
+        const Lock lock(*this);
+        const Entry* entry = find();
+        return entry ? entry->pools.back() : nullptr;
+    }
+
+    /// Takes `pool` off the stack it is on, from whatever place: an unbalanced pool must not be
+    /// found again.
+    void remove(Pool* pool) {
+        const Lock lock(*this);
+        for (Entry& entry : _entries)
+            std::erase(entry.pools, pool);
+        std::erase_if(_entries, [](const Entry& entry) { return entry.pools.empty(); });
+    }
+
+#ifdef ORV_TEST_COUNTERS
+    uint64_t lockCount() {
+        const std::lock_guard lock(_mutex);
+        return _lockCount;
+    }
+#endif
+
+  private:
+    struct Entry {
+        pthread_t thread;
+        std::vector<Pool*> pools;
+    };
+
+    struct Lock {
+        explicit Lock(ThreadPools& pools) : _guard(pools._mutex) {
+#ifdef ORV_TEST_COUNTERS
+            ++pools._lockCount;
+#endif
+        }
+        std::lock_guard<std::mutex> _guard;
+    };
+
+    Entry* find() {
+        const auto isMine = [self = pthread_self()](const Entry& entry) {
+            return pthread_equal(entry.thread, self) != 0;
+        };
+        const auto entry = std::ranges::find_if(_entries, isMine);
+        return entry == _entries.end() ? nullptr : &*entry;
+    }
+
+    std::mutex _mutex;
+    std::vector<Entry> _entries;
+#ifdef ORV_TEST_COUNTERS
+    uint64_t _lockCount = 0;
+#endif
+};
+
+constinit Eternal<ThreadPools> threadPools;
+
+} // namespace
+
+#ifdef ORV_TEST_COUNTERS
+uint64_t OrvPoolLockCount() noexcept {
+    return threadPools.value.lockCount();
+}
+#endif
+
+Pool* Pool::open() noexcept {
+    auto* pool = new (std::nothrow) Pool;
+    if (!pool)
+        return nullptr;
+    pool->_isOpen = threadPools.value.push(pool);
+    if (pool->_isOpen)
+        return pool;
+    delete pool;
+    return nullptr;
+}
+
+Pool* Pool::current() noexcept {
+    return threadPools.value.top();
+}
+
+Pool* Pool::currentOrComplain() noexcept {
+    Pool* pool = current();
+    if (!pool)
+        OrvLog(L"The temporary objects pool is not created for this thread. The object will leak");
+    return pool;
+}
+
+Pool::~OrvCTemporaryObjectsPool() {
+    if (!_isOpen)
+        return;
+    if (current() == this)
+        drain();
+    else
+        OrvLog(L"The temporary objects pool is not balanced (OrvTemporaryObjectsPoolCreate and "
+               L"OrvRelease).");
+    threadPools.value.remove(this);
+}
+
+bool Pool::add(OrvIBase* object) noexcept {
+    if (allocating([&] { _objects.push_back(object); }))
+        return true;
+    object->Release();
+    return false;
+}
+
+OrvStringImpl* Pool::constantString(const wchar_t* literal) noexcept {
+    for (OrvStringImpl* string : _constantStrings | std::views::reverse) {
+        if (std::wcscmp(string->characters().c_str(), literal) == 0)
+            return string;
+    }
+    OrvPtr<OrvStringImpl> string = makeString(literal);
+    if (!string || !allocating([&] { _constantStrings.push_back(string.get()); }))
+        return nullptr;
+    return string.release();
+}
+
+void Pool::drain() noexcept {
+    // By index, and emptied one by one: a destructor may add objects or drain again.
+    for (size_t i = 0; i < _objects.size(); ++i)
+        OrvRelease(std::exchange(_objects[i], nullptr));
+    for (OrvStringImpl* string : _constantStrings)
+        string->Release();
+    _objects.clear();
+    _constantStrings.clear();
+}
+
+OrvIBase* OrvTemporaryObjectsPoolCreate() noexcept {
+    Pool* pool = Pool::open();
+    return pool ? pool->object() : nullptr;
+}
+
+OrvIBase* OrvGetCurrentTemporaryObjectsPool() noexcept {
+    Pool* pool = Pool::current();
+    return pool ? pool->object() : nullptr;
+}
+
+OrvIBase* OrvTemporaryObjectsPoolAddObject(OrvIBase* object) noexcept {
+    if (!object)
+        return nullptr;
+    Pool* pool = Pool::currentOrComplain();
+    return pool && !pool->add(object) ? nullptr : object;
+}
+
+} // namespace zelmora

@@ -1,0 +1,267 @@
+// Scanner, element and parser of style sheets.
+#include "foundation_fixture.h"
+
+#include "foundation/css_reader.h"
+#include "foundation/orv_css.h"
+#include "foundation/orv_css_impl.h"
+#include "foundation/orv_scanner_impl.h"
+
+#include <chrono>
+
+namespace zelmora::test {
+
+namespace {
+
+using namespace std::string_literals;
+
+class CSSTest : public FoundationTest {};
+
+/// "start+length", the selectors with "|" between them, and the declarations if there are any.
+std::wstring description(OrvIBase* object, int32_t start, int32_t length) {
+    const auto* element = objectCast<OrvCCSSElement>(object);
+    std::wstring text = std::to_wstring(start) + L"+" + std::to_wstring(length);
+    for (size_t i = 0; i < element->Selectors()->count(); ++i)
+        text += (i == 0 ? L" " : L"|") + stringOf(element->Selectors()->at(i));
+    const OrvArrayImpl* order = element->PropertyOrder();
+    for (size_t i = 0; i < order->count(); ++i) {
+        const std::wstring name = stringOf(order->at(i));
+        text += (i == 0 ? L" {" : L",") + name + L"=" +
+                stringOf(element->Properties()->value(name.c_str()));
+    }
+    return order->count() > 0 ? text + L"}" : text;
+}
+
+/// The descriptions of all elements of a sheet, a line each.
+std::wstring elementsOf(std::wstring_view sheet) {
+    const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
+    std::wstring all;
+    int32_t start = 0, length = 0, error = -1;
+    while (OrvIBase* element =
+               OrvCSSParserParseElement(parser.get(), start + length, &start, &length, &error))
+        all += description(element, start, length) + L"\n";
+    EXPECT_EQ(start + length + error, 0);
+    return all;
+}
+
+/// The text of the first rule of `sheet`.
+std::wstring renderedFirst(std::wstring_view sheet) {
+    const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
+    return stringOf(
+        OrvCSSElementGetText(OrvCSSParserParseElement(parser.get(), 0, nullptr, nullptr, nullptr)));
+}
+
+} // namespace
+
+TEST_F(CSSTest, ReadsSheets) {
+    const std::pair<std::wstring, std::wstring> cases[] = {
+        {L"", L""},
+        {L" ", L"0+1\n"},
+        {L"\t\r\n\x00E9あ\x7F", L""},
+        {L"@charset \"UTF-8\";", L"0+17 @charset|\"UTF-8\";\n"},
+        {L"  @charset \"UTF-8\";", L"0+19 @charset|\"UTF-8\";\n"},
+        {L"\n@charset \"UTF-8\";", L"1+17 @charset|\"UTF-8\";\n"},
+        {L"@charset\"UTF-8\";", L"0+16 @charset\"UTF-8\";\n"},
+        {L"𠮷 @charset \"x\";", L"1+14 @charset|\"x\";\n"},
+        {L"h1, h2 ,h3,\r\n,h4{}", L"0+18 h1|h2|h3|h4\n"},
+        // Comments: everywhere, leaving nothing, and never closed.
+        {L"/* @charset \"x\"; */ body { }", L"19+9 body\n"},
+        {L"/*/ @charset \"x\";", L"3+14 @charset|\"x\";\n"},
+        {L"a/**/b{c/*:*/d:e/*;*/f}", L"0+23 ab {cd=ef}\n"},
+        {L"a/*;*/ /*{*/{b:c}", L"0+17 a {b=c}\n"},
+        {L"/* a { b: c }", L""},
+        {L"a /* b", L"0+6 a\n"},
+        {L"a { b: c; /* d: e }", L"0+19 a {b=c}\n"},
+        {L"a { b: c /* d: e; }", L"0+19 a\n"},
+        {L"a / b * / { c: d/e }", L"0+20 a|/|b|*|/ {c=d/e}\n"},
+        {L"a/", L"0+2 a/\n"},
+        // Blocks: cut off, empty, nested, and at-rules.
+        {L"a { color: red", L"0+14 a\n"},
+        {L"a { color", L"0+9 a\n"},
+        {L"a {", L"0+3 a\n"},
+        {L"{}", L"0+2\n"},
+        {L"{b:c}", L"0+5 {b=c}\n"},
+        {L"a{:;}", L"0+5 a {=}\n"},
+        {L"a{b}", L"0+4 a\n"},
+        {L"p { b: 1; b: 2 }", L"0+16 p {b=2,b=2}\n"},
+        {L"a { b { c: d } e: f }", L"0+14 a {b { c=d}\n14+7 e:|f|}\n"},
+        {L"a{b:c;}d{e:f}", L"0+7 a {b=c}\n7+6 d {e=f}\n"},
+        {L";}a;", L"0+1 ;\n1+1 }\n2+2 a;\n"},
+        {L"@media screen { a { color: red } }",
+         L"0+15 @media|screen\n15+17 a {color=red}\n32+2 }\n"},
+        {L"@MEDIA x{a{}}", L"0+9 @MEDIA|x\n9+3 a\n12+1 }\n"},
+        {L"@media x; a{}", L"0+9 @media|x;\n9+4 a\n"},
+        {L"@media x", L"0+8 @media|x\n"},
+        {L"@font-face{a:b}", L"0+15 @font-face {a=b}\n"},
+        // Neither quotes nor parentheses protect anything.
+        {L"a { content: \"}\"; b: c }", L"0+15 a {content=\"}\n15+2 \";\n17+7 b:|c|}\n"},
+        {L"a{b:url(c:d;e)}", L"0+15 a {b=url(c:d}\n"},
+        // White space that is no separator, NUL and what is beyond ASCII.
+        {L"a\vb\f {\vc\f:\vd\f}", L"0+14 a\vb {c=d}\n"},
+        {L"\0a\0b{c\0:\0d}"s, L"1+10 a\0b {c\0=\0d}\n"s},
+        {L"\x00E9{}", L"1+2\n"},
+        {L"a\x00E9{あ:𠮷}", L"0+7 a\x00E9 {あ=𠮷}\n"},
+        {L"\t a{}", L"1+4 a\n"},
+    };
+    for (const auto& [sheet, expected] : cases)
+        EXPECT_EQ(elementsOf(sheet), expected) << utf8FromWide(sheet);
+}
+
+TEST_F(CSSTest, ParsesFromAnyOffset) {
+    const std::wstring sheet = L"a { b: c }\n/* x */ @media y { 𠮷 { d: e } } z";
+    const auto size = static_cast<int32_t>(sheet.size());
+    const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
+    for (int32_t offset = -2; offset <= size + 2; ++offset) {
+        int32_t start = -1, length = -1, error = -1;
+        const auto* element =
+            OrvCSSParserParseElement(parser.get(), offset, &start, &length, &error);
+        EXPECT_EQ(element != nullptr, offset < size) << offset;
+        EXPECT_EQ(error, 0) << offset;
+        EXPECT_TRUE(element ? start >= offset && length > 0 && start + length <= size
+                            : start == 0 && length == 0)
+            << offset;
+    }
+    const Owned nothing(OrvCSSParserCreate(nullptr));
+    EXPECT_EQ(OrvCSSParserParseElement(nothing.get(), 0, nullptr, nullptr, nullptr), nullptr);
+}
+
+// No sheet leads there: the selectors end only where a block opens or the rule is over.
+TEST_F(CSSTest, BlockMustOpenAfterSelectors) {
+    using Opening = CSSReader::Opening;
+    const std::tuple<std::wstring, Opening, size_t> cases[] = {
+        {L" /**/\n{a", Opening::block, 7},
+        {L" /* ", Opening::endOfText, 4},
+        {L" /**/ x{", Opening::otherCharacter, 6}};
+    for (const auto& [text, opening, position] : cases) {
+        CSSReader reader(text, 0);
+        EXPECT_EQ(reader.openBlock(), opening) << utf8FromWide(text);
+        EXPECT_EQ(reader.position(), position) << utf8FromWide(text);
+    }
+}
+
+TEST_F(CSSTest, FindsTheFirstRuleWithAKeyword) {
+    const struct {
+        std::wstring sheet;
+        int32_t offset, start, length; // length 0: none
+    } cases[] = {
+        {L"@charset \"UTF-8\";", 0, 0, 17},
+        {L"@CHARSET \"x\";", 0, 0, 13},
+        {L"@charset\"UTF-8\";", 0, 0, 0},
+        {L"/* @charset \"x\"; */ body { }", 0, 0, 0},
+        {L"a { } @charset \"x\"; @charset \"y\";", 0, 5, 14},
+        {L"a { } @charset \"x\"; @charset \"y\";", 6, 6, 13},
+        {L"a { } @charset \"x\"; @charset \"y\";", 7, 19, 14},
+        {L"{} @media x { @charset \"x\"; }", 0, 13, 14},
+        {L"@charset \"x\";", 13, 0, 0},
+        {L"", 0, 0, 0},
+    };
+    for (const auto& [sheet, offset, start, length] : cases) {
+        const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
+        int32_t foundStart = -7, foundLength = -7;
+        OrvIBase* found = OrvCSSParserFindElement(parser.get(), OrvTemporaryString(L"@charset"),
+                                                  offset, &foundStart, &foundLength);
+        EXPECT_EQ(found != nullptr, length > 0) << utf8FromWide(sheet);
+        EXPECT_EQ(foundStart, found ? start : -7) << utf8FromWide(sheet);
+        EXPECT_EQ(foundLength, found ? length : -7) << utf8FromWide(sheet);
+        EXPECT_EQ(OrvGetRetainCount(found), found ? 1U : 0U);
+    }
+}
+
+// The time per character must not grow with the sheet, nor may a search leave anything behind.
+TEST_F(CSSTest, SearchIsLinearAndKeepsNothing) {
+    const auto secondsFor = [](const std::wstring& sheet) {
+        const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
+        const int64_t live = OrvLiveObjectCount();
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(OrvCSSParserFindElement(parser.get(), nullptr, 0, nullptr, nullptr), nullptr);
+        EXPECT_EQ(OrvLiveObjectCount(), live);
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    for (const std::wstring piece : {L"a { b: c; d: e }\n", L"a,", L"/*/", L"a{b:c", L"}", L"a/"}) {
+        const auto repeated = [&](size_t count) {
+            std::wstring sheet;
+            while (count-- > 0)
+                sheet += piece;
+            return sheet;
+        };
+        const double small = secondsFor(repeated(2000)) + 1e-3;
+        EXPECT_LT(secondsFor(repeated(40000)), 20 * small * 5) << utf8FromWide(piece);
+    }
+}
+
+TEST_F(CSSTest, Renders) {
+    const std::pair<std::wstring, std::wstring> cases[] = {
+        {L"@charset  \"UTF-8\" ;", L"@charset \"UTF-8\", ;"},
+        {L"@import url(a.css);", L"@import url(a.css);"},
+        {L"@media screen , print {}", L"@media screen, print"},
+        {L"h1 h2,h3{}", L"h1, h2, h3"},
+        {L"p { b: 1; b: 2 }", L"p {\n\tb: 2;\n\tb: 2;\n}"},
+        {L"p{a\0x:b\0}"s, L"p {\n\ta\0x: b\0;\n}"s},
+    };
+    for (const auto& [sheet, expected] : cases)
+        EXPECT_EQ(renderedFirst(sheet), expected) << utf8FromWide(sheet);
+    EXPECT_EQ(OrvCSSElementGetText(Owned(OrvCSSElementCreate()).get()), nullptr);
+    EXPECT_EQ(renderedFirst(L"{}"), L"");
+}
+
+TEST_F(CSSTest, BuildsCharsetRules) {
+    const Owned text = makeText(L"a{} @charset \"x\" ; b{}");
+    const Owned parser(OrvCSSParserCreate(text.get()));
+    int32_t start = 0, length = 0;
+    OrvIBase* rule =
+        OrvCSSParserFindElement(parser.get(), OrvTemporaryString(L"@charset"), 0, &start, &length);
+    OrvCSSParserUpdateCharsetElement(parser.get(), rule, 5, 0);
+    EXPECT_EQ(stringOf(OrvCSSElementGetText(rule)), L"@charset \"x\", ;");
+    OrvCSSParserUpdateCharsetElement(parser.get(), rule, 5, 2);
+    EXPECT_EQ(stringOf(OrvCSSElementGetText(rule)), L"@charset \"UTF-16BE\";");
+    OrvCSSParserReplaceElement(parser.get(), rule, start, length);
+    EXPECT_EQ(stringOf(text.get()), L"a{}@charset \"UTF-16BE\"; b{}");
+
+    const Owned made(OrvCSSParserCreateCharsetElement(parser.get(), 1, 0));
+    EXPECT_EQ(stringOf(OrvCSSElementGetText(made.get())), L"@charset \"Shift_JIS\";");
+    EXPECT_EQ(OrvGetTypeID(made.get()), 0xFFFFU);
+    EXPECT_EQ(objectCast<OrvCCSSElement>(made.get())->Properties(), nullptr);
+    EXPECT_EQ(OrvCSSParserCreateCharsetElement(parser.get(), 0, 0), nullptr);
+}
+
+TEST_F(CSSTest, ScannerSeeks) {
+    const struct {
+        int32_t origin, offset, expected;
+    } steps[] = {{0, 3, 3},  {2, -5, 0}, {0, 4, 4},  {7, 4, 4},         {1, 0, 6},
+                 {1, 2, 4},  {2, 1, 5},  {0, -1, 0}, {1, INT32_MIN, 6}, {2, INT32_MAX, 6},
+                 {1, 99, 0}, {0, 7, 6},  {-1, 0, 6}, {2, INT32_MIN, 0}};
+    const Owned text = makeText(L"abcdef");
+    const Owned owner(OrvScannerCreate(text.get()));
+    auto* scanner = objectCast<OrvCScanner>(owner.get());
+    EXPECT_EQ(OrvGetTypeID(scanner), 26U);
+    for (const auto& [origin, offset, expected] : steps)
+        EXPECT_EQ(scanner->Seek(origin, offset), expected) << origin << ", " << offset;
+    scanner->Seek(0, 3);
+    scanner->SetString(nullptr);
+    EXPECT_EQ(scanner->Seek(2, 0), 0);
+    EXPECT_EQ(OrvGetRetainCount(text.get()), 1U);
+}
+
+TEST_F(CSSTest, ScannerTakesTokens) {
+    const Owned owner(OrvScannerCreate(makeText(L"ab, c\0,1fz"s).get()));
+    auto* scanner = objectCast<OrvCScanner>(owner.get());
+    OrvIBase* token = nullptr;
+    uint32_t value = 7;
+    EXPECT_TRUE(OrvScannerScanThroughCharacters(scanner, L" ,", &token));
+    EXPECT_EQ(stringOf(token), L"ab,");
+    EXPECT_FALSE(scanner->ScanHexInt(&value));
+    EXPECT_EQ(value, 0U);
+    EXPECT_TRUE(scanner->ScanCharacters(L" c", &token));
+    EXPECT_EQ(stringOf(token), L" c");
+    EXPECT_FALSE(scanner->ScanCharacters(L",", &token)); // a NUL is in no set
+    EXPECT_EQ(token, nullptr);
+    EXPECT_TRUE(scanner->ScanThroughCharacters(L",", &token));
+    EXPECT_EQ(stringOf(token), L"\0,"s);
+    EXPECT_TRUE(scanner->ScanHexInt(&value));
+    EXPECT_EQ(value, 31U);
+    EXPECT_TRUE(scanner->ScanThroughCharacters(L"", &token));
+    EXPECT_EQ(stringOf(token), L"z");
+    EXPECT_FALSE(scanner->ScanThroughCharacters(L"", &token));
+    EXPECT_EQ(token, nullptr);
+}
+
+} // namespace zelmora::test

@@ -1,0 +1,89 @@
+// What the tests of this floor share: a library in its initial state, whose accounts must balance,
+// and the diagnostic lines that a piece of code writes.
+#pragma once
+
+#include "foundation/orv_collections.h"
+#include "foundation/orv_ptr.h"
+#include "foundation/orv_string.h"
+#include "foundation/orv_test_counters.h"
+#include "foundation/wide_text.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <sstream>
+
+namespace zelmora::test {
+
+using Owned = OrvPtr<>;
+using Lines = std::vector<std::string>;
+
+inline const std::string leakLine =
+    "The temporary objects pool is not created for this thread. The object will leak";
+inline const std::string unbalancedLine = "The temporary objects pool is not balanced "
+                                          "(OrvTemporaryObjectsPoolCreate and OrvRelease).";
+inline const std::string uninitialisedLine = "OrvFoundation is not initialized.";
+
+/// The lines that `work` writes to the standard output, as they stand.
+template<typename Work>
+Lines rawLinesOf(Work&& work) {
+    testing::internal::CaptureStdout();
+    work();
+    std::fflush(stdout);
+    std::istringstream output(testing::internal::GetCapturedStdout());
+    Lines lines;
+    for (std::string line; std::getline(output, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+/// `line` without its prefix; the whole line if it has none.
+inline std::string withoutPrefix(const std::string& line) {
+    std::string shape = line.substr(0, line.find("] ") + 1);
+    for (char& c : shape)
+        c = c >= '0' && c <= '9' ? '0' : c;
+    shape.erase(std::unique(shape.begin(), shape.end()), shape.end());
+    return shape == "0/0/0 0:0:0[0]" ? line.substr(line.find("] ") + 2) : line;
+}
+
+/// The lines that `work` writes, without their prefixes.
+template<typename Work>
+Lines linesOf(Work&& work) {
+    Lines lines = rawLinesOf(std::forward<Work>(work));
+    std::transform(lines.begin(), lines.end(), lines.begin(), withoutPrefix);
+    return lines;
+}
+
+inline std::wstring stringOf(const OrvIBase* string) {
+    return {OrvStringGetCharacters(string), OrvStringGetLength(string)};
+}
+
+inline Owned makeText(std::wstring_view text) {
+    return Owned(OrvStringCreateWithCharacters(text.data(), text.size()));
+}
+
+/// Initialises the library, opens a pool, and expects that every object dies with them.
+class FoundationTest : public testing::Test {
+  protected:
+    FoundationTest() {
+        OrvFoundationInitialize();
+        _pool = Owned(OrvTemporaryObjectsPoolCreate());
+    }
+    ~FoundationTest() override {
+        _pool = {};
+        OrvFoundationTerminate();
+        EXPECT_EQ(OrvLiveObjectCount(), 0);
+    }
+
+    void drain() {
+        _pool = {};
+        _pool = Owned(OrvTemporaryObjectsPoolCreate());
+    }
+
+  private:
+    Owned _pool;
+};
+
+} // namespace zelmora::test

@@ -1,0 +1,205 @@
+// Reference counts, pools, the registry and the library's life.
+#include "foundation_fixture.h"
+
+#include "platform/events/run_loop.h"
+
+#include <thread>
+
+namespace zelmora::test {
+
+namespace {
+
+class ObjectTest : public FoundationTest {};
+
+class ManualRunLoop final : public platform::RunLoop {
+  public:
+    using RunLoop::notify;
+    int run() override { return 0; }
+    void stop(int) override {}
+
+  private:
+    void wakeUp() override {}
+};
+
+int64_t liveObjectsAfter(OrvIBase* handedToPool) {
+    OrvTemporaryObjectsPoolAddObject(handedToPool);
+    return OrvLiveObjectCount();
+}
+
+} // namespace
+
+TEST_F(ObjectTest, CountsReferencesFromOne) {
+    const int64_t before = OrvLiveObjectCount();
+    OrvIBase* object = OrvArrayCreate(0);
+    EXPECT_EQ(OrvGetRetainCount(object), 1U);
+    EXPECT_EQ(OrvRetain(object), object);
+    EXPECT_EQ(OrvGetRetainCount(object), 2U);
+    OrvRelease(object);
+    EXPECT_EQ(OrvGetRetainCount(object), 1U);
+    OrvRelease(object);
+    EXPECT_EQ(OrvLiveObjectCount(), before);
+
+    OrvRelease(nullptr);
+    EXPECT_EQ(OrvRetain(nullptr), nullptr);
+    EXPECT_EQ(OrvGetRetainCount(nullptr), 0U);
+}
+
+TEST_F(ObjectTest, ComparesByAddress) {
+    const Owned both[] = {makeText(L"same"), makeText(L"same")};
+    const OrvIBase* low = std::min(both[0].get(), both[1].get());
+    const OrvIBase* high = std::max(both[0].get(), both[1].get());
+    EXPECT_EQ(OrvCompare(low, low), 0);
+    EXPECT_EQ(OrvCompare(low, high), -1);
+    EXPECT_EQ(OrvCompare(high, low), 1);
+}
+
+TEST_F(ObjectTest, RegistryRetainsAndReplaces) {
+    const Owned first = makeText(L"1");
+    const Owned second = makeText(L"2");
+    OrvRegisterSharedObject(first.get(), L"key");
+    EXPECT_EQ(OrvGetSharedObject(L"key"), first.get());
+    EXPECT_EQ(OrvGetRetainCount(first.get()), 2U);
+    OrvRegisterSharedObject(second.get(), L"key");
+    EXPECT_EQ(OrvGetSharedObject(L"key"), second.get());
+    EXPECT_EQ(OrvGetRetainCount(first.get()), 1U);
+    EXPECT_EQ(OrvGetTypeID(OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null")), 18U);
+    EXPECT_EQ(OrvGetSharedObject(L"other"), nullptr);
+}
+
+TEST_F(ObjectTest, InnerPoolReleasesOnlyItsOwn) {
+    const int64_t before = OrvLiveObjectCount();
+    OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
+    OrvIBase* outer = OrvGetCurrentTemporaryObjectsPool();
+    {
+        const Owned inner(OrvTemporaryObjectsPoolCreate());
+        EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), inner.get());
+        EXPECT_EQ(OrvGetTypeID(inner.get()), 28U);
+        OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
+        EXPECT_EQ(OrvLiveObjectCount(), before + 3);
+    }
+    EXPECT_EQ(OrvLiveObjectCount(), before + 1);
+    EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), outer);
+}
+
+TEST_F(ObjectTest, ATemporaryTakesTheMutexOnce) {
+    const std::pair<const char*, std::function<void()>> makers[] = {
+        {"handed over", [] { OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty()); }},
+        {"new literal", [] { (void)OrvTemporaryString(L"literal"); }},
+        {"known literal", [] { (void)OrvTemporaryString(L"literal"); }},
+        {"platform text", [] { (void)OrvTemporaryStringWithNSString(u"text"); }},
+        {"line break", [] { (void)OrvLineBreakString(1); }},
+    };
+    for (const auto& [name, make] : makers) {
+        const uint64_t before = OrvPoolLockCount();
+        make();
+        EXPECT_EQ(OrvPoolLockCount(), before + 1) << name;
+    }
+}
+
+// Releasing the outer pool first: it says so, keeps its hands off its objects, and its place on
+// the stack is never used again.
+TEST_F(ObjectTest, UnbalancedPoolReleasesNothingAndIsForgotten) {
+    OrvIBase* outer = OrvTemporaryObjectsPoolCreate();
+    OrvIBase* object = OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
+    OrvIBase* constant = OrvTemporaryString(L"constant");
+    OrvIBase* inner = OrvTemporaryObjectsPoolCreate();
+
+    EXPECT_EQ(linesOf([&] { OrvRelease(outer); }), Lines{unbalancedLine});
+    EXPECT_EQ(OrvGetRetainCount(object), 1U);
+    EXPECT_EQ(OrvGetRetainCount(constant), 1U);
+    EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), inner);
+    EXPECT_EQ(linesOf([&] { OrvRelease(inner); }), Lines{});
+    EXPECT_NE(OrvGetCurrentTemporaryObjectsPool(), nullptr);
+    OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
+    OrvRelease(object);
+    OrvRelease(constant);
+}
+
+TEST_F(ObjectTest, PoolReleasedOnAnotherThreadIsUnbalanced) {
+    OrvIBase* pool = OrvTemporaryObjectsPoolCreate();
+    const Lines lines = linesOf([&] { std::thread([&] { OrvRelease(pool); }).join(); });
+    EXPECT_EQ(lines, Lines{unbalancedLine});
+    EXPECT_NE(OrvGetCurrentTemporaryObjectsPool(), pool);
+}
+
+TEST_F(ObjectTest, ThreadWithoutPoolKeepsItsObjects) {
+    Owned object;
+    Owned literal;
+    const auto lines = linesOf([&] {
+        std::thread([&] {
+            EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), nullptr);
+            object = Owned(OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty()));
+            literal = Owned(OrvTemporaryString(L"literal"));
+        }).join();
+    });
+    EXPECT_EQ(lines, (Lines{leakLine, leakLine}));
+    EXPECT_EQ(OrvGetRetainCount(object.get()), 1U);
+    EXPECT_EQ(stringOf(literal.get()), L"literal");
+}
+
+// With the thread sanitizer this shows that a thread's stack survives the coming and going of
+// other threads' entries.
+TEST_F(ObjectTest, ThreadsUseTheirPoolsSideBySide) {
+    const int64_t before = OrvLiveObjectCount();
+    const auto work = [] {
+        for (int i = 0; i < 200; ++i) {
+            const Owned outer(OrvTemporaryObjectsPoolCreate());
+            for (int k = 0; k < 5; ++k) {
+                const Owned inner(OrvTemporaryObjectsPoolCreate());
+                const OrvIBase* literal = OrvTemporaryString(L"literal");
+                EXPECT_EQ(OrvTemporaryString(L"literal"), literal);
+                EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), inner.get());
+            }
+            EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), outer.get());
+        }
+    };
+    std::thread first(work);
+    std::thread second(work);
+    work();
+    first.join();
+    second.join();
+    EXPECT_EQ(OrvLiveObjectCount(), before);
+}
+
+TEST(LibraryTest, InitialisationNests) {
+    const Lines tooEarly = linesOf([] {
+        EXPECT_EQ(OrvGetSharedObject(L"key"), nullptr);
+        OrvRegisterSharedObject(nullptr, L"key");
+        EXPECT_EQ(OrvMIMECharSetName(4, 0), nullptr);
+    });
+    EXPECT_EQ(tooEarly, (Lines{uninitialisedLine, uninitialisedLine, uninitialisedLine}));
+
+    EXPECT_EQ(OrvFoundationInitialize(), 0);
+    const OrvIBase* pool = OrvGetCurrentTemporaryObjectsPool();
+    const OrvIBase* null = OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null");
+    EXPECT_EQ(OrvFoundationInitialize(), 0);
+    EXPECT_EQ(OrvFoundationTerminate(), 0);
+    EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), pool);
+    EXPECT_EQ(OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null"), null);
+    EXPECT_EQ(OrvFoundationTerminate(), 0);
+    EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), nullptr);
+    EXPECT_EQ(linesOf([] { (void)OrvGetSharedObject(L"key"); }), Lines{uninitialisedLine});
+    EXPECT_EQ(OrvLiveObjectCount(), 0);
+}
+
+TEST(LibraryTest, RunLoopDrainsTheInnermostPoolUntilTermination) {
+    using Activity = platform::RunLoop::Activity;
+    ManualRunLoop loop;
+    OrvFoundationInitialize();
+    const int64_t idle = OrvLiveObjectCount() - 1; // the null object loses the pool's reference
+    for (const auto activity : {Activity::beforeWaiting, Activity::exit}) {
+        EXPECT_GT(liveObjectsAfter(OrvStringCreateEmpty()), idle);
+        (void)OrvTemporaryString(L"literal");
+        loop.notify(activity);
+        EXPECT_EQ(OrvLiveObjectCount(), idle + 1) << activity;
+        EXPECT_EQ(OrvGetRetainCount(OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null")), 1U);
+    }
+    OrvFoundationTerminate();
+
+    const Owned pool(OrvTemporaryObjectsPoolCreate());
+    const int64_t live = liveObjectsAfter(OrvStringCreateEmpty());
+    loop.notify(Activity::beforeWaiting);
+    EXPECT_EQ(OrvLiveObjectCount(), live);
+}
+
+} // namespace zelmora::test
