@@ -13,6 +13,8 @@
 #include "platform/text/legacy_codecs.h"
 #include "platform/text/text_tables.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace zelmora::platform {

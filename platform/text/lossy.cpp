@@ -7,10 +7,12 @@
 #include "platform/text/lossy.h"
 
 #include "platform/text/block_scan.h"
+#include "platform/text/unicode_codecs.h"
 
 #include <algorithm>
 #include <array>
 #include <utf8proc.h>
+#include <utility>
 
 namespace zelmora::platform {
 namespace {
@@ -74,9 +76,9 @@ const char16_t* findComposing(const char16_t* in, const char16_t* end) {
 /// The code point at `in`, a lone surrogate as it is; moves `in` past it.
 utf8proc_int32_t nextCodePoint(const char16_t*& in, const char16_t* end) {
     const char16_t unit = *in++;
-    const bool isPair =
-        (unit & 0xFC00) == 0xD800 && in != end && (static_cast<unsigned>(*in) & 0xFC00) == 0xDC00;
-    return isPair ? 0x10000 + ((unit & 0x3FF) << 10) + (*in++ & 0x3FF) : unit;
+    if (!isHighSurrogate(unit) || in == end || !isLowSurrogate(*in))
+        return unit;
+    return 0x10000 + ((unit & 0x3FF) << 10) + (*in++ & 0x3FF);
 }
 
 class LossyPass {

@@ -33,9 +33,10 @@ bool isNoCharacter(char16_t cell) {
     return (cell & 0xF800) == kUnassigned;
 }
 
+/// Appends the sequence of `cell`; false when the cell is unassigned.
 bool appendSequence(const ShiftJISTable& table, char16_t cell, char16_t*& out) {
     const size_t index = static_cast<size_t>(cell - kFirstSequence);
-    if (cell == kUnassigned || index >= table._sequences.size())
+    if (index >= table._sequences.size())
         return false;
     const Sequence& sequence = table._sequences[index];
     out = std::copy_n(sequence._units.data(), sequence._length, out);

@@ -19,8 +19,8 @@ namespace zelmora::platform {
 enum class TextEncoding : int32_t {
     macJapanese, ///< Shift_JIS as the Macintosh maps it, sequences included
     codePage932, ///< Shift_JIS as Windows maps it
-    iso2022JP,   ///< escape-switched; written so that the text ends in ASCII
-    eucJP,       ///< JIS X 0208, half-width katakana (8E), JIS X 0212 (8F)
+    iso2022JP,   ///< escape-switched; written so that the text ends in ASCII; see iso_2022_jp.cpp
+    eucJP,       ///< JIS X 0208, half-width katakana (8E), JIS X 0212 (8F), vendors' extensions
     utf8,
     utf16LE,
     utf16BE,
@@ -31,7 +31,7 @@ enum class TextEncoding : int32_t {
 
 /// Decodes all of `bytes`. Answers nullopt when any part of them is not valid in `encoding`:
 /// unassigned or truncated codes, for UTF-8 overlong forms, surrogates and code points beyond
-/// U+10FFFF, for UTF-16 an odd length or a lone surrogate, likewise for UTF-32. Macintosh Roman
+/// U+10FFFF, for UTF-16 an odd length or a lone surrogate, likewise for UTF-32. Mac OS Roman
 /// accepts every byte. Empty input gives empty text.
 [[nodiscard]] std::optional<std::u16string> decodeText(ByteView bytes, TextEncoding encoding);
 
@@ -41,9 +41,11 @@ enum class TextEncoding : int32_t {
 
 /// Encodes all of `text` and never fails: a character that `encoding` cannot hold is altered, by
 /// the first of these that can be encoded: its twin of a wave-dash pair (U+301C/FF5E and the
-/// like); for half-width katakana the full-width letter, joined with the sound mark that follows;
-/// its canonical composition with the characters that follow; its compatibility decomposition;
-/// its base letter; "?". Characters that `encoding` holds come out as encodeText writes them.
+/// like); its canonical composition with the marks that follow; its compatibility decomposition;
+/// its base letter, so that a mark on another character is left out; "?". A lone surrogate becomes
+/// "?" in every encoding. Half-width katakana stay what they are: all encodings that have katakana
+/// hold them. Characters that `encoding` holds come out as encodeText writes them, but for letters
+/// that composition takes up.
 [[nodiscard]] Bytes encodeTextLossy(std::u16string_view text, TextEncoding encoding);
 
 } // namespace zelmora::platform

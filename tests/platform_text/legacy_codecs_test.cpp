@@ -119,6 +119,7 @@ const struct Sample {
     {macJapanese, u"\u3042", "\x82\xA0"},
     {macJapanese, u"\\", "\x80"},
     {macJapanese, u"\uF862XIII", "\x85\xAB"},
+    {macJapanese, u"\u5927\u20DD", "\x87\x91"},
     {eucJP, u"\u3042", "\xA4\xA2"},
     {eucJP, u"\uFF71", "\x8E\xB1"},
     {eucJP, u"\u02D8", "\x8F\xA2\xAF"},

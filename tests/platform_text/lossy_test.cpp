@@ -42,6 +42,7 @@ TEST(LossyEncoding, altersWhatTheEncodingLacks) {
         {"base letter", codePage932, u"\u00E9\u1EC7\u01ED", u"eeo"},
         {"no base letter", codePage932, u"\u00AF\u00BC\u2474", u"?1/4(1)"},
         {"not the first of several letters", macOSRoman, u"\u3231", u"?"},
+        {"not the first of several letters", codePage932, u"\u01C6", u"?"},
         {"beyond the first plane", eucJP,
          u"a\xD83D\xDE00"
          u"b\xD835\xDC00",
