@@ -12,6 +12,8 @@ template<typename Unit, typename Matters>
 [[nodiscard]] size_t findFirstUnit(const Unit* units, size_t count, Matters matters,
                                    size_t from = 0) {
     constexpr size_t kBlock = 32 / sizeof(Unit);
+    if (from < count && matters(units[from])) // where such units are dense, no block is worth it
+        return from;
     size_t offset = from;
     for (; count - offset >= kBlock; offset += kBlock) {
         Unit any = 0; // as wide as a unit, so that no lane is repacked
