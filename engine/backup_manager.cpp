@@ -1,0 +1,115 @@
+#include "engine/backup_manager.h"
+
+#include "engine/conversion_log.h"
+#include "engine/settings.h"
+#include "platform/text/path_string.h"
+#include "platform/text/utf8.h"
+
+#include <cerrno>
+
+namespace zelmora {
+
+namespace {
+
+// The values of actionForDupBackupFiles that mean something; with any other the name is used as
+// it is, and the copy fails because it is taken.
+constexpr int64_t skipBackup = 0;
+constexpr int64_t replaceOldCopy = 1;
+constexpr int64_t numberNewCopy = 2;
+
+} // namespace
+
+bool BackupManager::backupPath(const std::string& path) {
+    const auto& defaults = _services.defaults;
+    if (!defaults.boolForKey(settings::autoBackup))
+        return true;
+
+    auto progressWindow = allocProgressWindow();
+    _modalSession = _services.userInterface.beginModalSessionForWindow(progressWindow->window());
+    const auto folder =
+        platform::expandingTilde(defaults.stringForKey(settings::backupDataDir).value_or(""));
+    std::optional<std::string> dstPath;
+    platform::Status status;
+    if (folder.empty())
+        status = platform::Error::fromErrno(ENOENT, folder, "backup folder");
+    else if (dstPath = dstPathForSrcPath(path, folder); dstPath)
+        status = copy(path, *dstPath, folder);
+    _modalSession.reset();
+    progressWindow->close();
+    progressWindow.reset();
+
+    if (dstPath && defaults.boolForKey(settings::createLogFile))
+        ZelLog::sharedLog(_services)->logBackupActionWithResult(status.ok(), path, *dstPath);
+    if (!status.ok())
+        alertFailure(path, status.error());
+    return status.ok();
+}
+
+std::optional<std::string> BackupManager::dstPathForSrcPath(const std::string& srcPath,
+                                                            const std::string& dstDirectory) {
+    auto& files = _services.files;
+    auto candidate =
+        platform::appendingPathComponent(dstDirectory, platform::lastPathComponent(srcPath));
+    if (!files.fileExistsAtPath(candidate))
+        return candidate;
+    switch (_services.defaults.integerForKey(settings::actionForDupBackupFiles)) {
+    case skipBackup:
+        return std::nullopt;
+    case replaceOldCopy:
+        // Something handed over from the backup folder itself must not be deleted as its own old
+        // copy. If the deletion fails, the copy fails in its turn: the name is still taken.
+        if (!files.itemAtPathContainsItemAtPath(candidate, srcPath))
+            static_cast<void>(files.removeItemAtPath(candidate).ok());
+        return candidate;
+    case numberNewCopy:
+        return numberedPath(srcPath, dstDirectory);
+    default:
+        return candidate;
+    }
+}
+
+std::string BackupManager::numberedPath(const std::string& srcPath,
+                                        const std::string& dstDirectory) {
+    auto& files = _services.files;
+    const auto type = files.typeOfItemAtPath(srcPath);
+    const bool isFolder = type.ok() && *type == platform::FileType::directory;
+    const auto name = platform::lastPathComponent(srcPath);
+    const auto extension = isFolder ? std::string() : platform::pathExtension(name);
+    const auto base = isFolder ? name : platform::deletingPathExtension(name);
+    for (uint32_t n = 1;; ++n) {
+        auto candidate = platform::appendingPathComponent(
+            dstDirectory, platform::appendingPathExtension(base + std::to_string(n), extension));
+        if (!files.fileExistsAtPath(candidate))
+            return candidate;
+    }
+}
+
+platform::Status BackupManager::copy(const std::string& srcPath, const std::string& dstPath,
+                                     const std::string& dstDirectory) {
+    if (!MakeDirectoryPath(_services.files, dstDirectory))
+        return platform::Error::fromErrno(ENOTDIR, dstDirectory, "backup folder");
+    return _services.files.copyItemAtPath(srcPath, dstPath);
+}
+
+std::unique_ptr<ProgressWindow> BackupManager::allocProgressWindow() {
+    auto progressWindow = std::make_unique<ProgressWindow>(_services.userInterface);
+    progressWindow->showWindow();
+    progressWindow->window().center();
+    progressWindow->cancelButton().setEnabled(false);
+    progressWindow->labelStaticText().setStringValue(_services.strings.stringForKey("RunBackup"));
+    auto& bar = progressWindow->progressBar();
+    bar.setIndeterminate(true);
+    bar.setUsesThreadedAnimation(true);
+    bar.startAnimation();
+    return progressWindow;
+}
+
+void BackupManager::alertFailure(const std::string& path, const platform::Error& error) {
+    const auto& strings = _services.strings;
+    _services.userInterface.runModal(
+        {strings.stringForKey("FailedBackup"),
+         strings.format("FailedBackupInfo", {platform::displayPath(path)}) + " " +
+             strings.format("ReasonBackup", {error.message})});
+}
+
+} // namespace zelmora

@@ -1,0 +1,209 @@
+// The job: paths in, the queue, the worker thread, progress, cancel and the end.
+
+#include "engine/document_controller.h"
+
+#include "engine/settings.h"
+#include "engine/temporary_objects_scope.h"
+#include "platform/text/file_url.h"
+
+#include <thread>
+#include <utility>
+
+namespace zelmora {
+
+namespace {
+constexpr int64_t secondsToWaitForWorker = 10;
+} // namespace
+
+ZelDocumentController::ZelDocumentController(const EngineServices& services)
+    : _services(services), _targets(services.defaults, services.files),
+      _fileList(std::make_shared<FileList>()),
+      _backupManager(std::make_unique<BackupManager>(services)),
+      _progressWindow(std::make_shared<ProgressWindow>(services.userInterface)),
+      _conversionThreadIsDead(std::make_unique<PThreadConditional>()),
+      _wakeupConversionThread(std::make_unique<PThreadConditional>()),
+      _batch(std::make_shared<Batch>()) {
+    // The window is ours and goes before we do, so its reference to us need not own us.
+    _progressWindow->setDelegate({std::shared_ptr<void>(), this});
+    _progressWindow->window().center();
+    std::thread([this] { conversionThreadProc(); }).detach();
+}
+
+ZelDocumentController::~ZelDocumentController() {
+    while (!releaseContents()) {
+    }
+}
+
+void ZelDocumentController::openDocumentWithContentsOfURL(std::string_view url) {
+    if (const auto path = platform::pathFromFileURL(url))
+        addPath(*path);
+}
+
+void ZelDocumentController::openDocumentWithContentsOfFile(const std::string& path) {
+    addPath(path);
+}
+
+void ZelDocumentController::addPath(const std::string& path) {
+    if (!_backupManager->backupPath(path)) {
+        ++_failedCount;
+        return;
+    }
+    if (!_progressWindow->window().isVisible()) {
+        _progressWindow->labelStaticText().setStringValue("");
+        _progressWindow->showWindow();
+    }
+    if (!scanFiles(path) && _fileList->count() == 0)
+        _progressWindow->close();
+}
+
+bool ZelDocumentController::scanFiles(const std::string& path) {
+    bool queuedAny = false;
+    const auto status = _targets.scan(path, [&](std::string target) {
+        _fileList->addPath(std::move(target));
+        queuedAny = true;
+    });
+    if (!status.ok()) {
+        // What could not be looked into may hold targets: the user must not take it for converted.
+        ++_failedCount;
+        alert("FailedScan", path, status.error().message);
+    }
+    return queuedAny;
+}
+
+bool ZelDocumentController::checkIsTarget(const std::string& path) const {
+    return _targets.isTarget(path);
+}
+
+bool ZelDocumentController::isHTMLFile(const std::string& path) const {
+    return _targets.isHTMLFile(path);
+}
+
+bool ZelDocumentController::isXMLFile(const std::string& path) const {
+    return _targets.isXMLFile(path);
+}
+
+bool ZelDocumentController::isCSSFile(const std::string& path) const {
+    return _targets.isCSSFile(path);
+}
+
+bool ZelDocumentController::isExtensionInUserDefaults(std::string_view extension,
+                                                      std::string_view key) const {
+    return _targets.isExtensionInUserDefaults(extension, key);
+}
+
+bool ZelDocumentController::wakeupThreadIfNeed() {
+    if (_fileList->count() == 0)
+        return false;
+    ++_batch->wakeups;
+    _wakeupConversionThread->signal();
+    return true;
+}
+
+void ZelDocumentController::cancel() {
+    _progressWindow->onCancel();
+}
+
+bool ZelDocumentController::onCancelProgressWindow(ProgressWindow&) {
+    _fileList->removeAllPaths();
+    return true;
+}
+
+void ZelDocumentController::setBatchFinishedHandler(std::function<void()> handler) {
+    _batch->finishedHandler = std::move(handler);
+}
+
+bool ZelDocumentController::releaseContents() {
+    if (!_wakeupConversionThread)
+        return true;
+    _shouldTerminateThread = true;
+    _wakeupConversionThread->signal();
+    if (!_conversionThreadIsDead->waitWithTimeoutSeconds(secondsToWaitForWorker, 0))
+        return false;
+    _wakeupConversionThread.reset();
+    _conversionThreadIsDead.reset();
+    _backupManager.reset();
+    _fileList.reset();
+    _progressWindow.reset();
+    _batch.reset();
+    return true;
+}
+
+void ZelDocumentController::conversionThreadProc() {
+    bool quitsAutomatically = false;
+    {
+        const TemporaryObjectsScope threadScope;
+        if (!_shouldTerminateThread)
+            quitsAutomatically = convertQueuedFiles();
+    }
+    if (quitsAutomatically) {
+        _shouldTerminateThread = true;
+        _services.mainLoop.mainQueue().async(
+            [&userInterface = _services.userInterface] { userInterface.terminate(); });
+    }
+    // The last touch: once this is signalled, the controller and its services may be gone.
+    _conversionThreadIsDead->signal();
+}
+
+/// The worker's loop, until it is told to end. Answers whether it ends to quit the application.
+bool ZelDocumentController::convertQueuedFiles() {
+    bool hasConverted = false;
+    for (;;) {
+        // Read before the queue is: a batch is over only when no wake-up came after this.
+        const uint64_t wakeupsSeen = _batch->wakeups;
+        std::optional<std::string> path;
+        {
+            const TemporaryObjectsScope fileScope;
+            // Nothing is taken before the first wake-up: the batch is still being put together.
+            if (wakeupsSeen != 0)
+                path = _fileList->fetchPath();
+            if (path) {
+                updateProgressWindow();
+                doConvertProcess(*path);
+                hasConverted = true;
+            }
+        }
+        if (!path) {
+            if (hasConverted && _services.defaults.boolForKey(settings::autoQuit))
+                return true;
+            finishBatch(wakeupsSeen);
+            _wakeupConversionThread->wait();
+        }
+        if (_shouldTerminateThread)
+            return false;
+    }
+}
+
+void ZelDocumentController::finishBatch(uint64_t wakeupsSeen) const {
+    _services.mainLoop.mainQueue().async(
+        [window = std::weak_ptr(_progressWindow), batch = std::weak_ptr(_batch), wakeupsSeen] {
+            if (const auto openWindow = window.lock())
+                openWindow->close();
+            const auto current = batch.lock();
+            // Over, and not told yet: a worker that went round once more for nothing says it twice.
+        if (!current || current->wakeups != wakeupsSeen || current->wakeupsFinished == wakeupsSeen)
+            return;
+        current->wakeupsFinished = wakeupsSeen;
+        if (current->finishedHandler)
+            current->finishedHandler();
+    });
+}
+
+void ZelDocumentController::updateProgressWindow() const {
+    _services.mainLoop.mainQueue().async([window = std::weak_ptr(_progressWindow),
+                                          list = std::weak_ptr(_fileList),
+                                          &strings = _services.strings] {
+        const auto progressWindow = window.lock();
+        const auto fileList = list.lock();
+        if (!progressWindow || !fileList)
+            return;
+        const uint32_t index = fileList->currentIndex();
+        const uint64_t count = fileList->count();
+        progressWindow->labelStaticText().setStringValue(
+            strings.format("ConversionRemainItemCount", {std::to_string(count - index)}));
+        if (count != 0) // emptied meanwhile: the window is about to close
+            progressWindow->progressBar().setDoubleValue(
+                double{static_cast<float>(index) / static_cast<float>(count) * 100.0F});
+    });
+}
+
+} // namespace zelmora

@@ -1,0 +1,39 @@
+#include "engine/file_list.h"
+
+#include <utility>
+
+namespace zelmora {
+
+void FileList::addPath(std::string path) {
+    const std::lock_guard lock(_lockArray);
+    _array.push_back(std::move(path));
+}
+
+std::optional<std::string> FileList::fetchPath() {
+    const std::lock_guard lock(_lockArray);
+    if (_array.size() <= _currentIndex) {
+        _currentIndex = 0;
+        _array = {}; // gives the memory of a large batch back
+        return std::nullopt;
+    }
+    // Only the number of paths handed out is of use later, so the path itself can move out.
+    return std::move(_array[_currentIndex++]);
+}
+
+uint64_t FileList::count() const {
+    const std::lock_guard lock(_lockArray);
+    return _array.size();
+}
+
+uint32_t FileList::currentIndex() const {
+    const std::lock_guard lock(_lockArray);
+    return _currentIndex;
+}
+
+void FileList::removeAllPaths() {
+    const std::lock_guard lock(_lockArray);
+    _array = {};
+    _currentIndex = 0;
+}
+
+} // namespace zelmora

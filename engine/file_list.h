@@ -1,0 +1,32 @@
+// The queue of files to convert.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelmora {
+
+/// The ordered list of paths added since it was last emptied, those already handed out included,
+/// so that progress can be told from its count and index. Every operation is safe on any thread.
+class FileList {
+  public:
+    void addPath(std::string path);
+
+    /// The next path, or nullopt when all have been handed out; the list is then emptied.
+    std::optional<std::string> fetchPath();
+
+    [[nodiscard]] uint64_t count() const;
+    /// The index of the next path to hand out; at most count().
+    [[nodiscard]] uint32_t currentIndex() const;
+    void removeAllPaths();
+
+  private:
+    std::vector<std::string> _array;
+    mutable std::mutex _lockArray;
+    uint32_t _currentIndex = 0;
+};
+
+} // namespace zelmora
