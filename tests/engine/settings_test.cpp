@@ -87,7 +87,7 @@ TEST(SettingsTest, CodesAreTheLow32Bits) {
 
 TEST(SettingsTest, ShippedDefaultsGiveEveryKeyAValueOfItsType) {
     UserDefaults defaults;
-    registerDefaults(defaults, FileManager::defaultManager(), platform::Bundle::mainBundle());
+    registerDefaults(defaults, FileManager::defaultManager(), platform::Bundle(ZELMORA_RESOURCES));
     for (const auto& key : allKeys()) {
         const auto value = defaults.objectForKey(key.name);
         ASSERT_TRUE(value) << key.name;

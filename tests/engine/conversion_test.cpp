@@ -1,0 +1,176 @@
+// One file from its bytes to its bytes, and what every failure on the way leaves behind.
+
+#include "engine/document_controller.h"
+#include "engine/settings.h"
+#include "engine_fixture.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelmora::test {
+namespace {
+
+using Items = std::vector<std::string>;
+using namespace std::string_literals;
+
+class ConversionTest : public EngineTest {
+  protected:
+    /// Converts the file and runs what that has scheduled.
+    void convert(const std::string& path) {
+        controller.doConvertProcess(path);
+        mainLoop.mainQueue().drain();
+    }
+    void set(std::string_view key, int64_t value) { defaults.setInteger(value, key); }
+
+    ZelDocumentController controller{services()};
+};
+
+// "表" is 95 5C in Shift_JIS, C9 BD in EUC-JP, E8 A1 A8 in UTF-8, U+8868.
+TEST_F(ConversionTest, SettingsDecideWhatAFileBecomes) {
+    const struct {
+        const char* what;
+        std::string source;
+        int64_t encoding, lineBreak;
+        bool littleEndian, putBOM, katakana;
+        std::string expected;
+    } cases[] = {
+        {"Shift_JIS to UTF-8", "\x95\x5c\r\nA\r\n", 4, 1, 0, 0, 0, "\xe8\xa1\xa8\nA\n"},
+        {"with a mark", "\x95\x5c", 4, 0, 0, 1, 0, "\xef\xbb\xbf\xe8\xa1\xa8"},
+        {"to UTF-16BE", "\x95\x5c\n", 5, 3, 0, 1, 0, "\xfe\xff\x88\x68\0\r\0\n"s},
+        {"to UTF-16LE", "\x95\x5c\n", 5, 4, 1, 0, 0, "\x68\x88\x28\x20"},
+        {"to UTF-32LE", "\x95\x5c", 6, 0, 1, 1, 0, "\xff\xfe\0\0\x68\x88\0\0"s},
+        {"to EUC-JP", "\x95\x5c\r", 3, 1, 0, 1, 0, "\xc9\xbd\n"},
+        {"to ISO-2022-JP", "\x95\x5c\r\n", 2, 2, 0, 0, 0, "\x1b$BI=\x1b(B\r"},
+        {"everything kept", "\xff\xfe\x68\x88\r\0\n\0"s, 0, 0, 0, 0, 0,
+         "\xff\xfe\x68\x88\r\0\n\0"s},
+        {"kept as UTF-8 with its mark", "\xef\xbb\xbf\xe8\xa1\xa8", 0, 0, 0, 0, 0,
+         "\xef\xbb\xbf\xe8\xa1\xa8"},
+        {"no line break to convert", "abc", 4, 2, 0, 0, 0, "abc"},
+        {"only the first kind of line break", "a\r\nb\n", 4, 2, 0, 0, 0, "a\rb\n"},
+        {"half-width katakana", "\x95\x5c\xb6\xde", 1, 0, 0, 0, 1, "\x95\x5c\x83\x4b"},
+        {"empty", "", 4, 1, 0, 1, 0, "\xef\xbb\xbf"},
+        {"a character Shift_JIS does not have", "\xe8\xa1\xa8\xf0\x9f\x90\xb1", 1, 0, 0, 0, 0,
+         "\x95\x5c?"},
+    };
+    for (const auto& each : cases) {
+        set(settings::encodingCode, each.encoding);
+        set(settings::lineBreakCode, each.lineBreak);
+        defaults.setBool(each.littleEndian, settings::littleEndian);
+        defaults.setBool(each.putBOM, settings::putBOM);
+        defaults.setBool(each.katakana, settings::halfToFullKatakana);
+        const auto path = folder.writeFile("a.txt", each.source);
+        convert(path);
+        EXPECT_EQ(readFile(path), each.expected) << each.what;
+        EXPECT_EQ(folder.items(), Items{"a.txt"}) << each.what;
+    }
+    EXPECT_EQ(alertTexts(), Items());
+}
+
+TEST_F(ConversionTest, ShiftJISMappingsAreChosenForReadingAndWriting) {
+    // 81 60 is U+FF5E to Windows and U+301C to the Macintosh; both write their own back.
+    for (const int64_t mapping : {0, 1, 2, -1}) {
+        set(settings::sjisDeviceCharRead, mapping);
+        set(settings::encodingCode, 4);
+        const auto path = folder.writeFile("a.txt", "\x81\x60");
+        convert(path);
+        EXPECT_EQ(readFile(path), mapping == 1 ? "\xef\xbd\x9e" : "\xe3\x80\x9c") << mapping;
+        set(settings::sjisDeviceCharWrite, mapping);
+        set(settings::encodingCode, 1);
+        convert(path);
+        EXPECT_EQ(readFile(path), "\x81\x60") << mapping;
+    }
+}
+
+TEST_F(ConversionTest, FileThatCannotBeConvertedIsReportedAndLeft) {
+    const auto bad = folder.writeFile("bad.txt", "\x81\x40 \x81"); // cut in a character
+    convert(bad);
+    convert(folder / "none.txt");
+    ASSERT_EQ(mkfifo((folder / "fifo.txt").c_str(), 0600), 0);
+    convert(folder / "fifo.txt");
+    folder.writeFile("folder.txt/x", "");
+    convert(folder / "folder.txt");
+    const auto alertOf = [](const std::string& path, const std::string& why) {
+        return "A file could not be converted.|" + path + " was not converted. " + why;
+    };
+    EXPECT_EQ(alertTexts(),
+              (Items{alertOf(bad, "Its bytes are not valid Shift_JIS."),
+                     alertOf(folder / "none.txt", "It cannot be read: No such file or directory."),
+                     alertOf(folder / "fifo.txt", "It cannot be read: Invalid argument."),
+                     alertOf(folder / "folder.txt", "It cannot be read: Is a directory.")}));
+    EXPECT_EQ(readFile(bad), "\x81\x40 \x81");
+    EXPECT_EQ(controller.failedCount(), 4U);
+    EXPECT_EQ(folder.items(), (Items{"bad.txt", "fifo.txt", "folder.txt/", "folder.txt/x"}));
+}
+
+TEST_F(ConversionTest, LinkIsReplacedByTheConvertedFileAndItsTargetStays) {
+    const auto target = folder.writeFile("target.txt", "\x95\x5c");
+    ASSERT_EQ(symlink(target.c_str(), (folder / "link.txt").c_str()), 0);
+    convert(folder / "link.txt");
+    EXPECT_EQ(readFile(target), "\x95\x5c");
+    EXPECT_EQ(folder.items(), (Items{"link.txt", "target.txt"}));
+    EXPECT_EQ(readFile(folder / "link.txt"), "\xe8\xa1\xa8");
+}
+
+TEST_F(ConversionTest, LogLineIsWrittenBeforeTheAlertAndOnlyWhenAskedFor) {
+    defaults.setObject(folder / "log", settings::logFilePath);
+    convert(folder / "none.txt");
+    EXPECT_EQ(readFile(folder / "log"), "<none>");
+    defaults.setBool(true, settings::createLogFile);
+    set(settings::lineBreakCode, 1);
+    controller.doConvertProcess(folder / "none.txt");
+    EXPECT_NE(readFile(folder / "log").find("Conversion Fail File:" + (folder / "none.txt")),
+              std::string::npos);
+    EXPECT_EQ(userInterface.alerts.size(), 1U);
+    mainLoop.mainQueue().drain();
+    EXPECT_EQ(userInterface.alerts.size(), 2U);
+}
+
+/// Every operation of a conversion fails in its turn. What is left is always one whole text, and
+/// exactly the failures are reported.
+TEST_F(ConversionTest, AnyFailingOperationLeavesAWholeFile) {
+    const std::string before = "\x95\x5c\r\n";
+    const std::string after = "\xe8\xa1\xa8\n";
+    defaults.setBool(true, settings::createLogFile);
+    set(settings::lineBreakCode, 1);
+    bool wasReached = true;
+    for (size_t ordinal = 1; wasReached; ++ordinal) {
+        const TemporaryDirectory place;
+        defaults.setObject(place / "log", settings::logFilePath);
+        const auto path = place.writeFile("a.txt", before);
+        FaultyFileManager faulty(platform::FileManager::defaultManager());
+        faulty.failOperation(ordinal, EIO);
+        RecordingUserInterface shown;
+        ZelDocumentController job({defaults, faulty, strings, mainLoop, shown});
+        job.doConvertProcess(path);
+        mainLoop.mainQueue().drain();
+        std::remove((place / "log").c_str());
+
+        const auto operations = faulty.operations();
+        wasReached = operations.size() >= ordinal;
+        const auto failed = wasReached ? operations[ordinal - 1].name : "nothing";
+        const bool isLog = wasReached && operations[ordinal - 1].path == place / "log";
+        const bool isConverted = !wasReached || isLog;
+        EXPECT_EQ(shown.alerts.size(), isConverted ? 0U : 1U) << failed;
+        EXPECT_EQ(job.failedCount(), shown.alerts.size()) << failed;
+        if (isConverted) {
+            EXPECT_EQ(place.items(), Items{"a.txt"}) << failed;
+            EXPECT_EQ(readFile(path), after) << failed;
+        } else if (failed == "moveItemAtPath") {
+            EXPECT_EQ(place.items(), Items{"a#0.txt"});
+            EXPECT_EQ(readFile(place / "a#0.txt"), after);
+        } else {
+            EXPECT_EQ(readFile(path), before) << failed;
+            // The converted text may stay beside the source once it has been written whole.
+            if (place.items() != Items{"a.txt"}) {
+                EXPECT_EQ(place.items(), (Items{"a#0.txt", "a.txt"})) << failed;
+                EXPECT_EQ(readFile(place / "a#0.txt"), after) << failed;
+            }
+        }
+        ASSERT_LT(ordinal, 100U);
+    }
+}
+
+} // namespace
+} // namespace zelmora::test

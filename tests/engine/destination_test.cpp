@@ -1,0 +1,148 @@
+// The converted file's names and HFS codes, and what a failure at each step leaves behind.
+
+#include "engine/document_controller.h"
+#include "engine/settings.h"
+#include "engine_fixture.h"
+
+#include <cerrno>
+
+namespace zelmora::test {
+namespace {
+
+using Items = std::vector<std::string>;
+
+class DestinationTest : public EngineTest {
+  protected:
+    ZelDocumentController controller{services()};
+};
+
+TEST_F(DestinationTest, TemporaryNameIsFirstFreeSibling) {
+    const struct {
+        const char* source;
+        std::vector<const char*> taken;
+        const char* expected;
+    } cases[] = {
+        {"report.txt", {}, "report#0.txt"},
+        {"report.txt", {"report#0.txt"}, "report#1.txt"},
+        {"report.txt", {"report#0.txt", "report#2.txt"}, "report#1.txt"},
+        {"README", {}, "README#0"},
+        {".profile", {}, ".profile#0"},
+        {".a.txt", {}, ".a#0.txt"},
+        {"a.tar.gz", {}, "a.tar#0.gz"},
+        {"a.", {}, "a#0"},
+        {"\xff\xfe.txt", {}, "\xff\xfe#0.txt"},
+    };
+    for (const auto& each : cases) {
+        const TemporaryDirectory place;
+        for (const auto* name : each.taken)
+            place.writeFile(name, "");
+        EXPECT_EQ(controller.dstPathForSrcPath(place / each.source), place / each.expected)
+            << each.source;
+    }
+}
+
+TEST_F(DestinationTest, FinalNameFollowsTheExtensionSettings) {
+    const struct {
+        const char* source;
+        int64_t convert;
+        const char* extension;
+        int64_t adding;
+        const char* taken; ///< a name taken beforehand, or null
+        Items expected;
+    } cases[] = {
+        {"a.txt", 0, "html", 2, nullptr, {"a.txt"}},
+        {"a.txt", 1, "html", 1, nullptr, {"a.txt.html"}},
+        {"a.txt", 1, "html", 2, nullptr, {"a.html"}},
+        {"a.txt", 1, "html", 0, nullptr, {"a.txt"}},
+        {"a.txt", 1, "html", 2, "a.html", {"a#0.html", "a.html"}},
+        {"a.HTML", 1, "html", 2, nullptr, {"a.HTML"}},
+        {"README", 1, "html", 0, nullptr, {"README.html"}},
+        {"README", 1, "", 2, nullptr, {"README"}},
+        {"a.txt", 1, "", 2, nullptr, {"a.txt"}},
+        {"a.txt", 1, "x/../../b", 2, nullptr, {"a.txt"}},
+        {"a.txt", 2, "", 0, nullptr, {"a"}},
+        {"a.txt", 2, "", 0, "a", {"a", "a#0"}},
+        {".profile", 2, "", 0, nullptr, {".profile"}},
+    };
+    for (const auto& each : cases) {
+        const TemporaryDirectory place;
+        if (each.taken != nullptr)
+            place.writeFile(each.taken, "other");
+        const auto source = place.writeFile(each.source, "old");
+        const auto converted = place.writeFile("converted", "new");
+        defaults.setInteger(each.convert, settings::convertExtension);
+        defaults.setObject(std::string(each.extension), settings::extensionOfDstFiles);
+        defaults.setInteger(each.adding, settings::actionForAddingExtension);
+        EXPECT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
+        EXPECT_EQ(place.items(), each.expected) << each.source << " " << each.extension;
+        if (each.taken != nullptr) {
+            EXPECT_EQ(readFile(place / each.taken), "other") << each.source;
+        }
+    }
+}
+
+TEST_F(DestinationTest, HFSCodesFollowTheSettings) {
+    auto& disk = platform::FileManager::defaultManager();
+    const platform::HFSCodes sourceCodes{.type = 0x54455854, .creator = 0x74747874};
+    const struct {
+        int64_t creatorAction;
+        const char* creator;
+        int64_t typeAction;
+        const char* type;
+        platform::HFSCodes expected;
+    } cases[] = {
+        {0, "ab", 0, "cd", sourceCodes},
+        {1, "ab", 2, "TEXT", {.type = 0, .creator = 0x61622020}},
+        {2, "", 1, "TEXTURE", {.type = 0x54455854, .creator = 0}},
+        {1, "", 1, "\xe3\x81\x82", {.type = 0x42202020, .creator = 0}}, // U+3042: its low byte
+    };
+    for (const auto& each : cases) {
+        const auto source = folder.writeFile("a.txt", "old");
+        const auto converted = folder.writeFile("a#0.txt", "new");
+        ASSERT_TRUE(disk.setHFSCodes(sourceCodes, source).ok());
+        defaults.setInteger(each.creatorAction, settings::actionForCreator);
+        defaults.setObject(std::string(each.creator), settings::creatorCode);
+        defaults.setInteger(each.typeAction, settings::actionForFileType);
+        defaults.setObject(std::string(each.type), settings::fileType);
+        ASSERT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
+        EXPECT_EQ(disk.hfsCodesOfItemAtPath(source).value(), each.expected) << each.creator;
+    }
+}
+
+TEST_F(DestinationTest, CodesAndStringsConvertBothWays) {
+    EXPECT_EQ(FourCharCodeFromString(std::nullopt), 0U);
+    EXPECT_EQ(FourCharCodeFromString(u""), 0U);
+    EXPECT_EQ(FourCharCodeFromString(u"TEXT"), 0x54455854U);
+    EXPECT_EQ(FourCharCodeFromString(u"ab"), 0x61622020U);
+    EXPECT_EQ(FourCharCodeFromString(u"TEXTURE"), 0x54455854U);
+    EXPECT_EQ(StringFromFourCharCode(0), u"");
+    EXPECT_EQ(StringFromFourCharCode(0x61622020), u"ab  ");
+    EXPECT_EQ(StringFromFourCharCode(0xFF000041), std::u16string(u"\u00ff\0\0A", 4));
+}
+
+TEST_F(DestinationTest, FailedStepLeavesOneWholeFile) {
+    const struct {
+        const char* operation;
+        Items expected;
+    } cases[] = {
+        {"hfsCodesOfItemAtPath", {"a#0.txt", "a.txt"}},
+        {"setHFSCodes", {"a#0.txt", "a.txt"}},
+        {"removeFileAtPath", {"a#0.txt", "a.txt"}},
+        {"moveItemAtPath", {"a#0.txt"}},
+    };
+    for (const auto& each : cases) {
+        const TemporaryDirectory place;
+        const auto source = place.writeFile("a.txt", "old");
+        const auto converted = place.writeFile("a#0.txt", "new");
+        files.failEvery(each.operation, EIO);
+        const auto status = controller.doConvertProcessPostDstPath(converted, source);
+        files.failEvery(each.operation, 0);
+        ASSERT_FALSE(status.ok()) << each.operation;
+        EXPECT_EQ(status.error().code, EIO) << each.operation;
+        EXPECT_EQ(place.items(), each.expected) << each.operation;
+        EXPECT_EQ(readFile(converted), "new") << each.operation;
+    }
+}
+
+} // namespace
+} // namespace zelmora::test
