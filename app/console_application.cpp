@@ -1,0 +1,134 @@
+#include "app/console_application.h"
+
+#include "app/console_conversion.h"
+#include "app/console_options.h"
+#include "app/detect_report.h"
+#include "engine/settings.h"
+#include "engine/target_files.h"
+#include "platform/text/path_string.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+#include <utility>
+
+namespace zelmora {
+
+namespace {
+
+constexpr std::string_view programName = "zelmora-convert";
+
+/// $XDG_CONFIG_HOME/zelmora/zelmora.plist; that folder's default is ~/.config, also when the
+/// variable holds a relative path, which is to be ignored.
+std::string savedSettingsPath() {
+    const char* variable = std::getenv("XDG_CONFIG_HOME");
+    const std::string folder = variable != nullptr && variable[0] == '/'
+                                   ? std::string(variable)
+                                   : platform::expandingTilde("~/.config");
+    return platform::appendingPathComponent(folder, "zelmora/zelmora.plist");
+}
+
+platform::LocalizedStrings stringsOf(const platform::Bundle& bundle, platform::FileManager& files) {
+    auto strings = bundle.localizedStrings(files, platform::preferredLanguage());
+    if (strings.ok())
+        return std::move(*strings);
+    // Without its table the program speaks in keys; say why in the one language left.
+    std::fprintf(stderr, "%s\n", strings.error().message.c_str());
+    return {};
+}
+
+/// Answers whether all of it was written.
+bool writeToStandardOutput(std::string_view text) {
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+}
+
+} // namespace
+
+ConsoleApplication::ConsoleApplication(platform::FileManager& files)
+    : _files(files), _bundle(platform::Bundle::mainBundle()), _strings(stringsOf(_bundle, files)),
+      _defaults(settings::allKeys()),
+      _userInterface(STDERR_FILENO, [this] { _runLoop.stop(consoleSuccess); }) {}
+
+int ConsoleApplication::run(std::span<const char* const> arguments) {
+    const auto parsed = parseConsoleOptions(arguments, _strings);
+    if (const auto* failure = std::get_if<UsageError>(&parsed)) {
+        say(failure->message);
+        say(_strings.stringForKey("ConsoleTryHelp"));
+        return consoleUsage;
+    }
+    const auto& options = std::get<ConsoleOptions>(parsed);
+    if (options.help || options.version) {
+        const auto text = options.help ? _strings.stringForKey("ConsoleHelp")
+                                       : _strings.format("ConsoleVersion", {ZELMORA_VERSION});
+        return writeToStandardOutput(text) && std::fflush(stdout) == 0 ? consoleSuccess
+                                                                       : consoleFailure;
+    }
+
+    loadSettings();
+    for (const auto& [key, value] : options.settings) {
+        if (options.save)
+            _defaults.setObject(value, key);
+        _defaults.setValueForThisRun(value, key);
+    }
+    if (options.save) {
+        if (const int status = saveSettings(); status != consoleSuccess)
+            return status;
+    }
+    if (options.paths.empty())
+        return consoleSuccess;
+    return options.detect ? detect(options.paths) : convert(options.paths, options.quiet);
+}
+
+void ConsoleApplication::loadSettings() {
+    settings::registerDefaults(_defaults, _files, _bundle);
+    for (const auto& problem : _defaults.load(_files, savedSettingsPath()))
+        say(problem);
+}
+
+int ConsoleApplication::saveSettings() {
+    const auto saved = _defaults.save(_files);
+    if (!saved.ok())
+        say(saved.error().message);
+    return saved.ok() ? consoleSuccess : consoleFailure;
+}
+
+int ConsoleApplication::convert(const std::vector<std::string>& paths, bool quiet) {
+    ConsoleConversion conversion({_defaults, _files, _strings, _runLoop, _userInterface}, _runLoop);
+    const auto tally = conversion.run(paths);
+    if (!quiet)
+        _userInterface.printLine(_strings.format(
+            "ConsoleSummary", {std::to_string(tally.converted), std::to_string(tally.failed)}));
+    if (tally.signal != 0)
+        return consoleSignal + tally.signal;
+    return tally.failed == 0 ? consoleSuccess : consoleFailure;
+}
+
+int ConsoleApplication::detect(const std::vector<std::string>& paths) {
+    int status = consoleSuccess;
+    const auto fail = [&](const platform::Error& error) {
+        say(error.message);
+        status = consoleFailure;
+    };
+    const auto report = [&](const std::string& path) {
+        const auto line = detectReportLine(_defaults, _files, path);
+        if (line.ok())
+            writeToStandardOutput(*line + "\n");
+        else
+            fail(line.error());
+    };
+    const TargetFiles targets(_defaults, _files);
+    for (const auto& argument : paths) {
+        const auto path = pathFromArgument(argument);
+        if (const auto type = _files.typeOfItemAtPath(path); !type.ok())
+            fail(type.error());
+        else if (const auto scanned = targets.scan(path, report); !scanned.ok())
+            fail(scanned.error());
+    }
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? status : consoleFailure;
+}
+
+void ConsoleApplication::say(std::string_view text) {
+    _userInterface.printLine(std::string(programName).append(": ").append(text));
+}
+
+} // namespace zelmora

@@ -1,0 +1,81 @@
+#include "app/console_conversion.h"
+
+#include "engine/document_controller.h"
+#include "foundation/orv_base.h"
+#include "platform/events/notification_center.h"
+#include "platform/text/path_string.h"
+#include "platform/text/utf8.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <system_error>
+
+namespace zelmora {
+
+ConsoleConversion::Tally ConsoleConversion::run(const std::vector<std::string>& paths) {
+    OrvFoundationInitialize();
+    {
+        ZelDocumentController controller(_services);
+        controller.setBatchFinishedHandler([this] { _runLoop.stop(0); });
+        _runLoop.setSignalHandler([this, &controller](int signal) {
+            if (_tally.signal == 0)
+                _tally.signal = signal;
+            controller.cancel();
+        });
+        for (const auto& path : paths) {
+            _runLoop.deliverSignals();
+            if (_tally.signal == 0)
+                open(controller, path);
+        }
+        _runLoop.deliverSignals();
+        if (controller.wakeupThreadIfNeed())
+            _runLoop.run();
+        _runLoop.mainQueue().drain();
+        _tally.converted += controller.convertedCount();
+        _tally.failed += controller.failedCount();
+        _runLoop.setSignalHandler({});
+        // The worker is idle by now, so the handshake does not run out of time.
+        controller.releaseContents();
+    }
+    platform::NotificationCenter::defaultCenter().post(
+        platform::applicationWillTerminateNotification);
+    OrvFoundationTerminate();
+    return _tally;
+}
+
+void ConsoleConversion::open(ZelDocumentController& controller, const std::string& argument) {
+    const auto path = pathFromArgument(argument);
+    const auto type = _services.files.typeOfItemAtPath(path);
+    if (type.ok() || controller.checkIsTarget(path)) {
+        controller.openDocumentWithContentsOfFile(path);
+        return;
+    }
+    // The engine passes over what is no target; a mistyped name must not go unnoticed.
+    ++_tally.failed;
+    const auto& strings = _services.strings;
+    _services.userInterface.runModal(
+        {strings.stringForKey("FailedConvert"),
+         strings.format("FailedConvertInfo", {platform::displayPath(argument)}) + " " +
+             std::generic_category().message(type.error().code)});
+}
+
+std::string pathFromArgument(const std::string& argument) {
+    const auto absolute = platform::absolutePath(argument);
+    if ((absolute + "/").find("/../") != std::string::npos) {
+        const std::unique_ptr<char, decltype(&std::free)> resolved(
+            realpath(absolute.c_str(), nullptr), &std::free);
+        return resolved ? std::string(resolved.get()) : absolute;
+    }
+    std::string path;
+    for (size_t start = 0; start < absolute.size();) {
+        const auto end = std::min(absolute.find('/', start), absolute.size());
+        const auto component = std::string_view(absolute).substr(start, end - start);
+        if (!component.empty() && component != ".")
+            path.append("/").append(component);
+        start = end + 1;
+    }
+    return path.empty() ? "/" : path;
+}
+
+} // namespace zelmora

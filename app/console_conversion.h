@@ -1,0 +1,44 @@
+// One batch of zelmora-convert: paths in, converted files and a tally out.
+#pragma once
+
+#include "engine/services.h"
+#include "platform/console/terminal_run_loop.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zelmora {
+
+class ZelDocumentController;
+
+/// Hands paths to the document controller as the desktop does, and stays until its worker has
+/// converted them. SIGINT, SIGTERM and SIGHUP act as Cancel: the file in hand is finished, the
+/// rest are left. Main thread. Everything given is borrowed.
+class ConsoleConversion {
+  public:
+    ConsoleConversion(const EngineServices& services, platform::TerminalRunLoop& runLoop)
+        : _services(services), _runLoop(runLoop) {}
+
+    struct Tally {
+        uint64_t converted = 0;
+        uint64_t failed = 0; ///< conversions, backups, searches, and paths that are not there
+        int signal = 0;      ///< the first signal that asked to stop, 0 for none
+    };
+
+    /// Converts what is under `paths`, in their order.
+    Tally run(const std::vector<std::string>& paths);
+
+  private:
+    void open(ZelDocumentController& controller, const std::string& argument);
+
+    EngineServices _services;
+    platform::TerminalRunLoop& _runLoop;
+    Tally _tally;
+};
+
+/// The path as the engine takes it: absolute, without "." components and doubled or trailing
+/// slashes; with its links resolved when it holds "..", which only the disk can tell the end of.
+[[nodiscard]] std::string pathFromArgument(const std::string& argument);
+
+} // namespace zelmora

@@ -1,0 +1,37 @@
+// The command line of zelmora-convert.
+#pragma once
+
+#include "platform/defaults/localized_strings.h"
+#include "platform/defaults/property_list.h"
+
+#include <span>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace zelmora {
+
+/// What the command line asks for.
+struct ConsoleOptions {
+    bool help = false;
+    bool version = false;
+    bool detect = false; ///< report what the files are, change nothing
+    bool save = false;   ///< write `settings` to the saved settings
+    bool quiet = false;  ///< no closing line
+    /// Settings for this run by key, in the order given.
+    std::vector<std::pair<std::string, platform::PropertyListValue>> settings;
+    std::vector<std::string> paths; ///< as given, raw bytes
+};
+
+/// Why the command line cannot be used, for the user.
+struct UsageError {
+    std::string message;
+};
+
+/// Reads the arguments (without the program's name), raw bytes. Touches nothing.
+[[nodiscard]] std::variant<ConsoleOptions, UsageError>
+parseConsoleOptions(std::span<const char* const> arguments,
+                    const platform::LocalizedStrings& strings);
+
+} // namespace zelmora
