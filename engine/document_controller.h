@@ -93,6 +93,21 @@ class ZelDocumentController : public ProgressWindowDelegate {
     [[nodiscard]] std::optional<platform::Bytes>
     doConvertProcessEncoding(std::u16string_view text, OrvEncodingInfo srcEncodingInfo) const;
 
+    // Declarations (document_controller_declarations.cpp). The worker's; each changes `text` in
+    // place or leaves it alone. A foundation-library pool must be open for the style sheets.
+
+    /// Makes the HTML "meta" declaration name the target encoding, or inserts one after "<head>".
+    void doConvertProcessMETAElement(std::u16string& text, OrvEncodingInfo srcEncodingInfo) const;
+    /// Makes the XML declaration name the target encoding.
+    void doConvertProcessXMLProcInstruction(std::u16string& text,
+                                            OrvEncodingInfo srcEncodingInfo) const;
+    /// Visits the "link" elements and leaves each as it is; no step of a conversion.
+    void doConvertProcessLinkElement(std::u16string& text, OrvEncodingInfo srcEncodingInfo) const;
+    /// Makes a style sheet's "@charset" rule name the target encoding, or inserts one at the top.
+    /// `srcLineBreak` is the text's line break before any was converted.
+    void doConvertProcessCSSElement(std::u16string& text, OrvEncodingInfo srcEncodingInfo,
+                                    OrvLineBreak srcLineBreak) const;
+
     // Destination (document_controller_destination.cpp).
 
     /// The first free sibling of `path` of the form name#n.extension, n from 0.
@@ -119,6 +134,7 @@ class ZelDocumentController : public ProgressWindowDelegate {
 
     [[nodiscard]] Conversion convertFile(const std::string& srcPath) const;
     [[nodiscard]] OrvEncodingInfo targetEncodingInfo(OrvEncodingInfo srcEncodingInfo) const;
+    [[nodiscard]] OrvEncodingInfo declarationEncodingInfo(OrvEncodingInfo srcEncodingInfo) const;
     [[nodiscard]] std::string reason(std::string_view key, const platform::Error& error) const;
     void logConversion(const std::string& srcPath, const Conversion& conversion) const;
     void alert(std::string_view key, const std::string& path, const std::string& why) const;

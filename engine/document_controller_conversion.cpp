@@ -59,6 +59,12 @@ ZelDocumentController::convertFile(const std::string& srcPath) const {
     conversion.srcLineBreak = textUtility->lineBreakTypeOfString(*text);
     doConvertProcessLinebreaks(*text);
     doConvertProcessHalfToFullKatakana(*text);
+    if (isHTMLFile(srcPath))
+        doConvertProcessMETAElement(*text, conversion.srcEncodingInfo);
+    if (isXMLFile(srcPath))
+        doConvertProcessXMLProcInstruction(*text, conversion.srcEncodingInfo);
+    if (isCSSFile(srcPath))
+        doConvertProcessCSSElement(*text, conversion.srcEncodingInfo, conversion.srcLineBreak);
 
     const auto output = doConvertProcessEncoding(*text, conversion.srcEncodingInfo);
     text.reset();

@@ -174,12 +174,12 @@ bool ZelDocumentController::convertQueuedFiles() {
 }
 
 void ZelDocumentController::finishBatch(uint64_t wakeupsSeen) const {
-    _services.mainLoop.mainQueue().async(
-        [window = std::weak_ptr(_progressWindow), batch = std::weak_ptr(_batch), wakeupsSeen] {
-            if (const auto openWindow = window.lock())
-                openWindow->close();
-            const auto current = batch.lock();
-            // Over, and not told yet: a worker that went round once more for nothing says it twice.
+    _services.mainLoop.mainQueue().async([window = std::weak_ptr(_progressWindow),
+                                          batch = std::weak_ptr(_batch), wakeupsSeen] {
+        if (const auto openWindow = window.lock())
+            openWindow->close();
+        const auto current = batch.lock();
+        // Over, and not told yet: a worker that went round once more for nothing says it twice.
         if (!current || current->wakeups != wakeupsSeen || current->wakeupsFinished == wakeupsSeen)
             return;
         current->wakeupsFinished = wakeupsSeen;
