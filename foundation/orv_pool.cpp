@@ -8,7 +8,6 @@
 #include <mutex>
 #include <new>
 #include <pthread.h>
-#include <ranges>
 
 namespace zelmora {
 
@@ -136,10 +135,12 @@ bool Pool::add(OrvIBase* object) noexcept {
 }
 
 OrvStringImpl* Pool::constantString(const wchar_t* literal) noexcept {
-    for (OrvStringImpl* string : _constantStrings | std::views::reverse) {
-        if (std::wcscmp(string->characters().c_str(), literal) == 0)
-            return string;
-    }
+    const auto isEqual = [literal](const OrvStringImpl* string) {
+        return std::wcscmp(string->characters().c_str(), literal) == 0;
+    };
+    const auto newest = std::find_if(_constantStrings.rbegin(), _constantStrings.rend(), isEqual);
+    if (newest != _constantStrings.rend())
+        return *newest;
     OrvPtr<OrvStringImpl> string = makeString(literal);
     if (!string || !allocating([&] { _constantStrings.push_back(string.get()); }))
         return nullptr;

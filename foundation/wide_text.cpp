@@ -89,10 +89,9 @@ std::string utf8FromWide(std::wstring_view text) {
 
 void formatWide(std::span<wchar_t> buffer, const wchar_t* format, va_list arguments) noexcept {
     // Where the result does not fit, or an argument cannot be converted, vswprintf leaves what it
-    // wrote so far without a NUL.
+    // wrote so far without a NUL, short of the last character.
     std::fill(buffer.begin(), buffer.end(), L'\0');
     std::vswprintf(buffer.data(), buffer.size(), format, arguments);
-    buffer.back() = L'\0';
 }
 
 std::wstring_view trimmed(std::wstring_view text) noexcept {

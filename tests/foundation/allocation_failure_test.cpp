@@ -16,12 +16,36 @@ namespace {
 const std::string stringLine = "Couldn't allocate the instance of the OrvString.";
 const std::string substringLine = "Couldn't allocate the buffer for the string.";
 const std::string arrayLine = "Couldn't allocate the instance of the OrvArray. (capacity=3)";
+const std::string enumeratorLine =
+    "Couldn't allocate the instance of the OrvEnumerator for the array.";
+const std::string dictionaryLine = "Could not allocate the dictionary.";
+const std::string dataLine = "Can't allocate the object for the OrvDataRef. (size=5)";
 const std::string addLine = "Failed adding the object into the array.";
 const std::string setLine = "The dictionary could not insert the value.";
 const std::string nullValueLine = "Attempt to insert NULL value into the dictionary.";
 constexpr const wchar_t* longText = L"longer than a string holds without the heap";
 
-class AllocationTest : public FoundationTest {};
+template<typename Base>
+class WithFailingAllocations : public Base {
+    void SetUp() override {
+        if (!FailingAllocation::isSupported())
+            GTEST_SKIP() << "operator new cannot be replaced in this build";
+    }
+};
+
+class AllocationTest : public WithFailingAllocations<FoundationTest> {};
+class AllocationScriptTest : public WithFailingAllocations<testing::Test> {};
+
+/// The lines that `work` writes while the `number`th allocation fails, and whether there was one.
+template<typename Work>
+Lines linesWithout(size_t number, Work&& work, bool* hasFailed = nullptr) {
+    return linesOf([&] {
+        const FailingAllocation failing(static_cast<int>(number));
+        work();
+        if (hasFailed)
+            *hasFailed = failing.hasFailed();
+    });
+}
 
 /// What the application does with a style sheet, from start to end, and more. Answers whether it
 /// all worked.
@@ -58,22 +82,14 @@ bool runScript() {
 
 } // namespace
 
-TEST(AllocationScriptTest, AnyRequestOfAScriptMayFail) {
-    const std::vector<std::string> promised = {stringLine,
-                                               substringLine,
-                                               addLine,
-                                               setLine,
-                                               nullValueLine,
-                                               uninitialisedLine,
-                                               "Could not allocate the dictionary."};
-    for (int number = 1;; ++number) {
+TEST_F(AllocationScriptTest, AnyRequestOfAScriptMayFail) {
+    const Lines promised = {stringLine,    addLine,           setLine,
+                            nullValueLine, uninitialisedLine, dictionaryLine};
+    for (size_t number = 1;; ++number) {
         bool hasFailed = false;
         bool isComplete = false;
-        const Lines lines = linesOf([&] {
-            const FailingAllocation failing(number);
-            isComplete = runScript();
-            hasFailed = failing.hasFailed();
-        });
+        const Lines lines = linesWithout(
+            number, [&] { isComplete = runScript(); }, &hasFailed);
         ASSERT_EQ(OrvLiveObjectCount(), 0) << "request " << number;
         for (const std::string& line : lines) {
             const bool isArray =
@@ -82,7 +98,7 @@ TEST(AllocationScriptTest, AnyRequestOfAScriptMayFail) {
         }
         if (!hasFailed) {
             EXPECT_TRUE(isComplete);
-            EXPECT_GT(number, 60);
+            EXPECT_GT(number, 60U);
             EXPECT_EQ(lines, Lines{});
             break;
         }
@@ -93,56 +109,39 @@ TEST(AllocationScriptTest, AnyRequestOfAScriptMayFail) {
 TEST_F(AllocationTest, CreationAnswersNullWithItsLine) {
     const Owned text = makeText(longText);
     const Owned array(OrvArrayCreate(0));
+    const Lines twice(2, stringLine);
+    const OrvRange part = {1, 9};
     const struct {
         const char* name;
         std::function<OrvIBase*()> create;
         Lines lines;
     } cases[] = {
-        {"wide string",
-         [&] { return OrvStringCreateWithWideCString(longText); },
-         {stringLine, stringLine}},
-        {"characters",
-         [&] { return OrvStringCreateWithCharacters(longText, 9); },
-         {stringLine, stringLine}},
-        {"platform text",
-         [&] { return OrvStringCreateWithNSString(u"123456789"); },
-         {stringLine, stringLine}},
-        {"upper case",
-         [&] { return OrvStringCreateUppercase(text.get()); },
-         {stringLine, stringLine}},
+        {"wide", [&] { return OrvStringCreateWithWideCString(longText); }, twice},
+        {"counted", [&] { return OrvStringCreateWithCharacters(longText, 9); }, twice},
+        {"platform", [&] { return OrvStringCreateWithNSString(u"123456789"); }, twice},
+        {"upper case", [&] { return OrvStringCreateUppercase(text.get()); }, twice},
         {"empty", [&] { return OrvStringCreateEmpty(); }, {stringLine}},
-        {"substring",
-         [&] {
-             return OrvStringCreateSubstring(text.get(), {1, 9});
-         },
-         {substringLine, substringLine}},
+        {"part", [&] { return OrvStringCreateSubstring(text.get(), part); },
+         Lines(2, substringLine)},
         {"format",
          [&] { return OrvStringCreateWithFormat(text.get()); },
          {"", stringLine, stringLine}},
-        {"array", [&] { return OrvArrayCreate(3); }, {arrayLine, arrayLine}},
-        {"enumerator",
-         [&] { return OrvArrayCreateEnumerator(array.get()); },
-         {"Couldn't allocate the instance of the OrvEnumerator for the array."}},
-        {"dictionary",
-         [&] { return OrvDictionaryCreate(); },
-         {"Could not allocate the dictionary."}},
-        {"data", [&] { return OrvDataCreate("12345", 5); },
-         Lines(2, "Can't allocate the object for the OrvDataRef. (size=5)")},
+        {"array", [&] { return OrvArrayCreate(3); }, Lines(2, arrayLine)},
+        {"enumerator", [&] { return OrvArrayCreateEnumerator(array.get()); }, {enumeratorLine}},
+        {"dictionary", [&] { return OrvDictionaryCreate(); }, {dictionaryLine}},
+        {"data", [&] { return OrvDataCreate("12345", 5); }, Lines(2, dataLine)},
         {"number", [&] { return OrvNumberCreateWithInt(1); }, {""}},
         {"scanner", [&] { return OrvScannerCreate(text.get()); }, {""}},
         {"element", [&] { return OrvCSSElementCreate(); }, {""}},
-        {"parser", [&] { return OrvCSSParserCreate(text.get()); }, {""}},
-    };
-    for (const auto& [name, create, expected] : cases) {
+        {"parser", [&] { return OrvCSSParserCreate(text.get()); }, {""}}};
+    for (const auto& test : cases) {
+        const auto& expected = test.lines;
         for (size_t i = 0; i <= expected.size(); ++i) {
             Owned created;
-            const Lines lines = linesOf([&] {
-                const FailingAllocation failing(static_cast<int>(i) + 1);
-                created = Owned(create());
-            });
-            EXPECT_EQ(static_cast<bool>(created), i == expected.size()) << name << " " << i;
+            const Lines lines = linesWithout(i + 1, [&] { created = Owned(test.create()); });
+            EXPECT_EQ(static_cast<bool>(created), i == expected.size()) << test.name << " " << i;
             const bool isSilent = i == expected.size() || expected[i].empty();
-            EXPECT_EQ(lines, isSilent ? Lines{} : Lines{expected[i]}) << name << " " << i;
+            EXPECT_EQ(lines, isSilent ? Lines{} : Lines{expected[i]}) << test.name << " " << i;
         }
     }
 }
@@ -150,13 +149,10 @@ TEST_F(AllocationTest, CreationAnswersNullWithItsLine) {
 TEST_F(AllocationTest, PoolIsNullOrWhole) {
     std::thread([] {
         bool hasFailed = true;
-        for (int number = 1; hasFailed; ++number) {
+        for (size_t number = 1; hasFailed; ++number) {
             Owned pool;
-            const Lines lines = linesOf([&] {
-                const FailingAllocation failing(number);
-                pool = Owned(OrvTemporaryObjectsPoolCreate());
-                hasFailed = failing.hasFailed();
-            });
+            const auto open = [&] { pool = Owned(OrvTemporaryObjectsPoolCreate()); };
+            const Lines lines = linesWithout(number, open, &hasFailed);
             EXPECT_EQ(lines, Lines{}) << number;
             EXPECT_EQ(static_cast<bool>(pool), !hasFailed) << number;
             EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), pool.get()) << number;
@@ -180,12 +176,7 @@ TEST_F(AllocationTest, ContainersStayWhole) {
     const Owned dictionary(OrvDictionaryCreate());
     OrvDictionarySetValue(dictionary.get(), object.get(), L"key");
     const Owned other = makeText(L"b");
-    const auto failingOnce = [](auto work) {
-        return linesOf([&] {
-            const FailingAllocation failing(1);
-            work();
-        });
-    };
+    const auto failingOnce = [](auto work) { return linesWithout(1, work); };
     EXPECT_EQ(failingOnce([&] { OrvArrayAddObject(array.get(), object.get()); }), Lines{addLine});
     EXPECT_EQ(failingOnce([&] { OrvArrayInsertObjectAtIndex(array.get(), object.get(), 0); }),
               Lines{"Failed inserting the object."});
@@ -209,10 +200,7 @@ TEST_F(AllocationTest, StringsStayWhole) {
     const std::wstring before = L"line\nline\nline and more\n";
     for (size_t i = 0; i < std::size(changes); ++i) {
         const Owned string = makeText(before);
-        const Lines lines = linesOf([&] {
-            const FailingAllocation failing(1);
-            changes[i](string.get());
-        });
+        const Lines lines = linesWithout(1, [&] { changes[i](string.get()); });
         EXPECT_EQ(stringOf(string.get()), before) << "change " << i;
         EXPECT_EQ(lines, Lines{}) << "change " << i;
     }

@@ -17,25 +17,27 @@ void* allocate(std::size_t size) noexcept {
 
 } // namespace
 
-void* operator new(std::size_t size) {
+// Weak, because the sanitizers of clang bring operators of their own that cannot be replaced.
+
+[[gnu::weak]] void* operator new(std::size_t size) {
     if (void* memory = allocate(size))
         return memory;
     throw std::bad_alloc();
 }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+[[gnu::weak]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return allocate(size);
 }
 
-void operator delete(void* memory) noexcept {
+[[gnu::weak]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::weak]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, const std::nothrow_t&) noexcept {
+[[gnu::weak]] void operator delete(void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 
@@ -47,6 +49,13 @@ FailingAllocation::FailingAllocation(int number) {
 
 FailingAllocation::~FailingAllocation() {
     allocationsToFailure = 0;
+}
+
+bool FailingAllocation::isSupported() {
+    const FailingAllocation failing(1);
+    void* memory = ::operator new(1, std::nothrow);
+    ::operator delete(memory);
+    return !memory;
 }
 
 bool FailingAllocation::hasFailed() const {

@@ -50,8 +50,8 @@ TEST(LogTest, CutsAndNeverFormatsTwice) {
         {longText, cut},
         {std::wstring(1, wchar_t(0xD800)), "\uFFFD"},
     };
-    for (const auto& [argument, line] : cases)
-        EXPECT_EQ(linesOf([&] { OrvLog(L"%ls", argument.c_str()); }), Lines{line});
+    for (const auto& test : cases)
+        EXPECT_EQ(linesOf([&] { OrvLog(L"%ls", test.argument.c_str()); }), Lines{test.line});
 }
 
 TEST(LogTest, LinesOfThreadsStayWholeAndNumberedApart) {

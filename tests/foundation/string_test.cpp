@@ -112,19 +112,17 @@ TEST_F(StringTest, Substrings) {
     const struct {
         OrvRange range;
         std::wstring expected;
-    } cases[] = {
-        {{2, 3}, L"cde"},
-        {{4, 10}, L"ef"},
-        {{7, 1}, L""},
-        {{-1, 2}, L""},
-        {{0, 0}, L""},
-        {{0, -1}, L""},
-        {{6, 1}, L""},
-        {{0, 6}, L"abcdef"},
-        {{5, INT32_MAX}, L"f"},
-        {{INT32_MAX, INT32_MAX}, L""},
-        {{INT32_MIN, INT32_MAX}, L""},
-    };
+    } cases[] = {{{2, 3}, L"cde"},
+                 {{4, 10}, L"ef"},
+                 {{7, 1}, L""},
+                 {{-1, 2}, L""},
+                 {{0, 0}, L""},
+                 {{0, -1}, L""},
+                 {{6, 1}, L""},
+                 {{0, 6}, L"abcdef"},
+                 {{5, INT32_MAX}, L"f"},
+                 {{INT32_MAX, INT32_MAX}, L""},
+                 {{INT32_MIN, INT32_MAX}, L""}};
     const Owned string = makeText(L"abcdef");
     for (const auto& [range, expected] : cases)
         EXPECT_EQ(stringOf(Owned(OrvStringCreateSubstring(string.get(), range)).get()), expected)
@@ -137,17 +135,15 @@ TEST_F(StringTest, Compares) {
     const struct {
         std::wstring left, right;
         int sign, signIgnoringCase;
-    } cases[] = {
-        {L"", L"", 0, 0},
-        {L"a", L"ab", -1, -1},
-        {L"b", L"ab", 1, 1},
-        {L"\uFFFF", L"\U00010000", -1, -1},
-        {L"@CHARSET", L"@charset", -1, 0},
-        {L"\u00C9", L"\u00E9", -1, -1},
-        {L"a", L"B", 1, -1},
-        {L"_", L"a", -1, 1}, // between the cases: upper case decides
-        {nulA, nulB, 0, 0},
-    };
+    } cases[] = {{L"", L"", 0, 0},
+                 {L"a", L"ab", -1, -1},
+                 {L"b", L"ab", 1, 1},
+                 {L"\uFFFF", L"\U00010000", -1, -1},
+                 {L"@CHARSET", L"@charset", -1, 0},
+                 {L"\u00C9", L"\u00E9", -1, -1},
+                 {L"a", L"B", 1, -1},
+                 {L"_", L"a", -1, 1},
+                 {nulA, nulB, 0, 0}};
     const auto sign = [](int32_t result) { return (result > 0) - (result < 0); };
     for (const auto& [left, right, expected, ignoringCase] : cases) {
         const Owned a = makeText(left);
@@ -188,18 +184,16 @@ TEST_F(StringTest, ConvertsLineBreaks) {
         std::wstring text;
         int32_t from, to;
         std::wstring expected;
-    } cases[] = {
-        {L"a\nb\n", 1, 3, L"a\r\nb\r\n"},
-        {L"a\nb\n", 1, 1, L"a\nb\n"},
-        {L"\n\n", 1, 4, L"\u2028\u2028"},
-        {L"a\r\n", 2, 3, L"a\r\n\n"},
-        {L"\r\r\n\r", 3, 1, L"\r\n\r"},
-        {L"a\u2028b", 4, 2, L"a\rb"},
-        {L"", 1, 3, L""},
-        {L"a\n", 0, 1, L"a\n"},
-        {L"a\n", 1, 5, L"a\n"},
-        {L"a\n", 1, -1, L"a\n"},
-    };
+    } cases[] = {{L"a\nb\n", 1, 3, L"a\r\nb\r\n"},
+                 {L"a\nb\n", 1, 1, L"a\nb\n"},
+                 {L"\n\n", 1, 4, L"\u2028\u2028"},
+                 {L"a\r\n", 2, 3, L"a\r\n\n"},
+                 {L"\r\r\n\r", 3, 1, L"\r\n\r"},
+                 {L"a\u2028b", 4, 2, L"a\rb"},
+                 {L"", 1, 3, L""},
+                 {L"a\n", 0, 1, L"a\n"},
+                 {L"a\n", 1, 5, L"a\n"},
+                 {L"a\n", 1, -1, L"a\n"}};
     for (const auto& [text, from, to, expected] : cases) {
         const auto convert = [f = from, t = to](OrvIBase* s) {
             OrvStringConvertLineBreaks(s, f, t);
@@ -226,22 +220,19 @@ TEST_F(StringTest, NamesMIMECharsets) {
     const struct {
         int32_t encoding;
         std::wstring none, little, big; // by byte order
-    } cases[] = {
-        {0, L"none", L"none", L"none"},
-        {1, L"Shift_JIS", L"Shift_JIS", L"Shift_JIS"},
-        {2, L"ISO-2022-JP", L"ISO-2022-JP", L"ISO-2022-JP"},
-        {3, L"EUC-JP", L"EUC-JP", L"EUC-JP"},
-        {4, L"UTF-8", L"UTF-8", L"UTF-8"},
-        {5, L"none", L"UTF-16LE", L"UTF-16BE"},
-        {6, L"none", L"UTF-32LE", L"UTF-32BE"},
-        {7, L"none", L"none", L"none"},
-        {-1, L"none", L"none", L"none"},
-    };
+    } cases[] = {{0, L"none", L"none", L"none"},
+                 {1, L"Shift_JIS", L"Shift_JIS", L"Shift_JIS"},
+                 {2, L"ISO-2022-JP", L"ISO-2022-JP", L"ISO-2022-JP"},
+                 {3, L"EUC-JP", L"EUC-JP", L"EUC-JP"},
+                 {4, L"UTF-8", L"UTF-8", L"UTF-8"},
+                 {5, L"none", L"UTF-16LE", L"UTF-16BE"},
+                 {6, L"none", L"UTF-32LE", L"UTF-32BE"},
+                 {7, L"none", L"none", L"none"},
+                 {-1, L"none", L"none", L"none"}};
     for (const auto& [encoding, none, little, big] : cases) {
-        EXPECT_EQ(nameOf(encoding, 0), none) << encoding;
-        EXPECT_EQ(nameOf(encoding, 1), little) << encoding;
-        EXPECT_EQ(nameOf(encoding, 2), big) << encoding;
-        EXPECT_EQ(nameOf(encoding, 3), none) << encoding;
+        const std::wstring* const names[] = {&none, &little, &big, &none};
+        for (int32_t byteOrder = 0; byteOrder < 4; ++byteOrder)
+            EXPECT_EQ(nameOf(encoding, byteOrder), *names[byteOrder]) << encoding;
     }
     const OrvIBase* name = OrvMIMECharSetName(4, 0);
     drain();
