@@ -133,17 +133,53 @@ class SettingsReader {
     const platform::LocalizedStrings& _strings;
 };
 
-std::string usageMessage(const CLI::App& parser, const CLI::ParseError& failure,
+std::string usageMessage(const CLI::ParseError& failure,
                          const platform::LocalizedStrings& strings) {
-    const auto remaining = parser.remaining();
     const std::string_view words = failure.what(); // the name of an option first, if it has one
-    if (dynamic_cast<const CLI::ExtrasError*>(&failure) != nullptr && !remaining.empty())
-        return strings.format("ConsoleUnknownOption", {remaining.front()});
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&failure) != nullptr &&
-        words.find(": ") != std::string_view::npos) {
-        return strings.format("ConsoleMissingValue", {words.substr(0, words.find(':'))});
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&failure) == nullptr)
+        return strings.format("ConsoleBadUsage", {words});
+    const std::string name(words.substr(0, words.find_first_of(": ")));
+    return name.starts_with("--") ? strings.format("ConsoleMissingValue", {name})
+                                  : strings.format("ConsoleUnwantedValue", {"--" + name});
+}
+
+/// The arguments as the parser takes them: as a stack, the last one first, and "--name=" in two,
+/// lest it look for the empty value in the next argument.
+std::vector<std::string> argumentStack(std::span<const char* const> arguments,
+                                       const CLI::App& parser) {
+    std::vector<std::string> stack;
+    bool isBehindMark = false;
+    for (const std::string_view argument : arguments) {
+        isBehindMark = isBehindMark || argument == "--";
+        const std::string name(argument.substr(0, argument.find('=')));
+        const bool isCutShort = name.starts_with("--") && name.size() + 1 == argument.size();
+        const auto* option = isCutShort ? parser.get_option_no_throw(name) : nullptr;
+        if (!isBehindMark && option != nullptr && option->get_expected_max() > 0) {
+            stack.push_back(name);
+            stack.emplace_back();
+        } else {
+            stack.emplace_back(argument);
+        }
     }
-    return strings.format("ConsoleBadUsage", {words});
+    std::reverse(stack.begin(), stack.end());
+    return stack;
+}
+
+/// Takes the paths out of `rest`, which is what the parser knows no option for. The parser must not
+/// take them itself: it would make two of "[a,b]". Answers the first that is an option
+/// nevertheless.
+std::optional<std::string> readPaths(const std::vector<std::string>& rest,
+                                     std::vector<std::string>& paths) {
+    bool isBehindMark = false;
+    for (const auto& each : rest) {
+        if (isBehindMark || each.size() < 2 || !each.starts_with('-'))
+            paths.push_back(each);
+        else if (each == "--")
+            isBehindMark = true;
+        else
+            return each;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -159,7 +195,7 @@ parseConsoleOptions(std::span<const char* const> arguments,
           std::pair("--detect", &options.detect), std::pair("--save", &options.save),
           std::pair("--quiet", &options.quiet)})
         parser.add_flag(name, *value)->disable_flag_override();
-    auto* paths = parser.add_option("PATH", options.paths);
+    parser.allow_extras();
     // Settings are read from the raw results below, in the order in which they were given; each
     // occurrence of an option takes one argument, or none.
     const auto addOption = [&](std::string_view name) {
@@ -173,13 +209,14 @@ parseConsoleOptions(std::span<const char* const> arguments,
     for (const auto& option : friendlyOptions())
         friendly[option.takesArgument() ? addOption(option.name) : addFlag(option.name)] = &option;
 
-    // The parser takes its arguments as a stack, the last one first.
-    std::vector<std::string> stack(arguments.rbegin(), arguments.rend());
+    auto stack = argumentStack(arguments, parser);
     try {
         parser.parse(stack);
     } catch (const CLI::ParseError& failure) {
-        return UsageError{usageMessage(parser, failure, strings)};
+        return UsageError{usageMessage(failure, strings)};
     }
+    if (const auto unknown = readPaths(parser.remaining(), options.paths))
+        return UsageError{strings.format("ConsoleUnknownOption", {*unknown})};
 
     SettingsReader reader(options, strings);
     std::map<const CLI::Option*, size_t> used;
@@ -193,7 +230,7 @@ parseConsoleOptions(std::span<const char* const> arguments,
         if (failure)
             return *failure;
     }
-    if (paths->count() == 0 && !options.help && !options.version && !options.save)
+    if (options.paths.empty() && !options.help && !options.version && !options.save)
         return UsageError{strings.stringForKey("ConsoleNoPath")};
     return options;
 }
