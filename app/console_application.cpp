@@ -47,7 +47,10 @@ bool writeToStandardOutput(std::string_view text) {
 ConsoleApplication::ConsoleApplication(platform::FileManager& files)
     : _files(files), _bundle(platform::Bundle::mainBundle()), _strings(stringsOf(_bundle, files)),
       _defaults(settings::allKeys()),
-      _userInterface(STDERR_FILENO, [this] { _runLoop.stop(consoleSuccess); }) {}
+      _userInterface(STDERR_FILENO, [this] { _runLoop.stop(consoleSuccess); }) {
+    _runLoop.addObserver(platform::RunLoop::beforeWaiting,
+                         [this](platform::RunLoop::Activity) { _userInterface.redraw(); });
+}
 
 int ConsoleApplication::run(std::span<const char* const> arguments) {
     const auto parsed = parseConsoleOptions(arguments, _strings);

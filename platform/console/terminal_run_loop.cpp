@@ -12,6 +12,10 @@ namespace zelmora::platform {
 
 namespace {
 
+// How long the observers of `beforeWaiting` may have to wait for their next turn: one of them draws
+// progress, and what it puts off must not stay away while a large file is converted.
+constexpr int kLongestWaitMilliseconds = 50;
+
 sigset_t stoppingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -68,7 +72,7 @@ void TerminalRunLoop::wakeUp() {
 
 void TerminalRunLoop::wait() {
     std::array<pollfd, 2> events{pollfd{_wakeUpEvent, POLLIN, 0}, pollfd{_signalEvent, POLLIN, 0}};
-    poll(events.data(), events.size(), -1);
+    poll(events.data(), events.size(), kLongestWaitMilliseconds);
     // Reset before the queue is looked at again: what is added from now on wakes the next wait.
     uint64_t count = 0;
     [[maybe_unused]] const auto taken = read(_wakeUpEvent, &count, sizeof count);

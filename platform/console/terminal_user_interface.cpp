@@ -104,27 +104,40 @@ class ProgressLine final : public LoadedInterface,
 StatusLine::StatusLine(int descriptor)
     : _descriptor(descriptor), _isTerminal(isatty(descriptor) == 1) {}
 
-void StatusLine::show(std::string_view text) {
-    const auto now = std::chrono::steady_clock::now();
-    if (!_isTerminal || (_isShown && now - _lastShown < redrawInterval))
+void StatusLine::show(std::string text) {
+    _text = std::move(text);
+    _isPutOff = _isTerminal;
+    redrawIfDue();
+}
+
+void StatusLine::redrawIfDue() {
+    if (!_isShown || std::chrono::steady_clock::now() - _lastShown >= redrawInterval)
+        redraw();
+}
+
+void StatusLine::redraw() {
+    if (!std::exchange(_isPutOff, false))
         return;
     winsize size{};
     const bool isKnown = ioctl(_descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     // One column stays free: a full line would wrap on some terminals.
-    const auto cut = cutToColumns(text, isKnown ? size.ws_col - 1U : 79U);
+    const auto cut = cutToColumns(_text, isKnown ? size.ws_col - 1U : 79U);
     write(std::string(eraseLine).append(cut));
     _isShown = true;
-    _lastShown = now;
+    _lastShown = std::chrono::steady_clock::now();
 }
 
 void StatusLine::clear() {
+    _isPutOff = false;
     if (std::exchange(_isShown, false))
         write(eraseLine);
 }
 
 void StatusLine::printLine(std::string_view text) {
+    const bool comesBack = _isShown || _isPutOff;
     clear();
     write(terminalPath(text) + "\n");
+    _isPutOff = comesBack;
 }
 
 void StatusLine::write(std::string_view text) const {
@@ -151,6 +164,7 @@ std::unique_ptr<LoadedInterface> TerminalUserInterface::loadInterface(std::strin
 }
 
 std::unique_ptr<ModalSession> TerminalUserInterface::beginModalSessionForWindow(Window&) {
+    _statusLine.redraw();
     return std::make_unique<ModalSession>();
 }
 

@@ -18,9 +18,13 @@ class StatusLine {
     /// `descriptor` stays open and the caller's.
     explicit StatusLine(int descriptor);
 
-    /// Replaces the status line by `text`, cut to the terminal's width. Redrawn at most 20 times a
-    /// second; the text of a call in between is dropped.
-    void show(std::string_view text);
+    /// Replaces the status line by `text`, cut to the terminal's width. Drawn at most 20 times a
+    /// second; what comes too early is put off, and only the last text of these is kept.
+    void show(std::string text);
+    /// Draws what was put off, if it is time to.
+    void redrawIfDue();
+    /// Draws what was put off.
+    void redraw();
     /// Removes the status line.
     void clear();
     /// Writes a line of text above the status line. Control characters are written escaped.
@@ -32,6 +36,8 @@ class StatusLine {
     int _descriptor;
     bool _isTerminal;
     bool _isShown = false;
+    bool _isPutOff = false; ///< `_text` is still to be drawn
+    std::string _text;
     std::chrono::steady_clock::time_point _lastShown;
 };
 
@@ -43,11 +49,14 @@ class TerminalUserInterface : public UserInterface {
 
     void runModal(const Alert& alert) override;
     std::unique_ptr<LoadedInterface> loadInterface(std::string_view name) override;
+    /// The main thread is about to be busy: progress that was put off is drawn before that.
     std::unique_ptr<ModalSession> beginModalSessionForWindow(Window& window) override;
     void terminate() override { _terminate(); }
 
     /// One line of the program's own, above the progress.
     void printLine(std::string_view text) { _statusLine.printLine(text); }
+    /// Draws progress that was put off; to be called whenever the main thread is about to wait.
+    void redraw() { _statusLine.redrawIfDue(); }
 
   private:
     StatusLine _statusLine;
