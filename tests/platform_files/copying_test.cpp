@@ -7,6 +7,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
 
 namespace zelmora::platform {
@@ -20,14 +21,17 @@ std::string portraitOf(const std::string& path) {
     struct stat status = {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
     char value[100] = {};
-    auto size = ::lgetxattr(path.c_str(), "user.note", value, sizeof value);
     std::string portrait = "mode " + std::to_string(status.st_mode) + " owner " +
                            std::to_string(status.st_uid) + " changed " +
                            std::to_string(status.st_mtim.tv_sec) + "." +
-                           std::to_string(status.st_mtim.tv_nsec) + " note " +
-                           (size < 0 ? "none" : std::string(value, size_t(size)));
+                           std::to_string(status.st_mtim.tv_nsec);
+    for (const char* attribute : {"user.note", "user.other"}) {
+        const auto size = ::lgetxattr(path.c_str(), attribute, value, sizeof value);
+        portrait += std::string(" ") + attribute + " " +
+                    (size < 0 ? "none" : std::string(value, size_t(size)));
+    }
     if (S_ISLNK(status.st_mode)) {
-        size = ::readlink(path.c_str(), value, sizeof value);
+        const auto size = ::readlink(path.c_str(), value, sizeof value);
         portrait += " to " + std::string(value, size_t(size));
     } else if (S_ISREG(status.st_mode)) {
         portrait += " holds " + readFile(path);
@@ -51,6 +55,7 @@ TEST_F(Copying, ATreeIsCopiedWithAllThatBelongsToIt) {
     ASSERT_EQ(::mkdir((tree + "/sub/empty").c_str(), 0700), 0);
     ASSERT_EQ(::symlink("../nowhere", (tree + "/sub/link").c_str()), 0);
     ASSERT_EQ(::setxattr((tree + "/a.txt").c_str(), "user.note", "kept", 4, 0), 0);
+    ASSERT_EQ(::setxattr((tree + "/a.txt").c_str(), "user.other", "as well", 7, 0), 0);
     ASSERT_EQ(::setxattr((tree + "/sub").c_str(), "user.note", "too", 3, 0), 0);
     ASSERT_EQ(::chmod((tree + "/a.txt").c_str(), 0444), 0);
     ASSERT_EQ(::chmod((tree + "/sub").c_str(), 0555), 0);
@@ -106,6 +111,18 @@ TEST_F(Copying, AFailureLeavesNothing) {
     const Status status = _files.copyItemAtPath(_folder / "odd", _folder / "copy");
     EXPECT_TRUE(status.error().message.starts_with(_folder / "odd/sub/fifo: copy to "))
         << status.error().message;
+}
+
+TEST_F(Copying, AnAttributeThatIsLostFailsTheCopy) {
+    const std::string file = _folder.writeFile("tree/file", "text");
+    ASSERT_EQ(::setxattr(file.c_str(), "user.note", "kept", 4, 0), 0);
+    EXPECT_TRUE(passesInChild([&] {
+        refuseCalls({{SYS_fsetxattr, 3, ~0U, ENOSPC}});
+        for (const char* name : {"tree", "tree/file"}) {
+            EXPECT_EQ(codeOf(_files.copyItemAtPath(_folder / name, _folder / "copy")), ENOSPC);
+        }
+    }));
+    EXPECT_EQ(_folder.items(), Items({"tree/", "tree/file"}));
 }
 
 TEST_F(Copying, AFolderMayBeCopiedBesideItselfOrOutOfAnother) {
