@@ -1,3 +1,6 @@
+// Every piece of a rule is read the same way: run up to one of a few characters that end it, and
+// copy the runs between comments. Quotes, parentheses and escapes mean nothing here, so a "}" in a
+// quoted string ends its block; the rules are still found in order, and each place is exact.
 #include "foundation/css_reader.h"
 #include "foundation/wide_text.h"
 
@@ -54,6 +57,7 @@ wchar_t CSSReader::readUntil(std::wstring& piece) {
         piece.append(_text, runStart, _position - runStart);
         if (isAtEnd())
             break;
+        // A "/" that is no comment does not end a run.
         if (character != L'/')
             return character;
         skipComment();

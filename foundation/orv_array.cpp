@@ -47,6 +47,7 @@ void OrvArrayImpl::insert(OrvIBase* object, uint64_t index) noexcept {
         OrvLog(L"The index(%d) is out of range.", static_cast<int>(index));
         return;
     }
+    // The reference is taken ahead of the insertion and given back when that fails.
     const auto position = _elements.begin() + static_cast<std::ptrdiff_t>(index);
     if (!allocating([&] { _elements.insert(position, OrvPtr<>::retaining(object)); }))
         OrvLog(L"Failed inserting the object.");

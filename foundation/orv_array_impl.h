@@ -25,13 +25,19 @@ class OrvArrayImpl final : public OrvCBase {
     [[nodiscard]] OrvPlatformObject CopyCocoaObject() const noexcept override;
 
     [[nodiscard]] size_t count() const noexcept { return _elements.size(); }
+    /// Borrowed; null when `index` is not below the count.
     [[nodiscard]] OrvIBase* at(size_t index) const noexcept;
     /// Retains `object`; answers false, and wrote a line, when it is null or memory runs out.
     bool add(OrvIBase* object) noexcept;
+    /// Writes a line when `object` is null, `index` beyond the count or memory short.
     void insert(OrvIBase* object, uint64_t index) noexcept;
+    /// Does nothing when there is no such element.
     void removeAt(size_t index) noexcept;
+    /// Removes the first element that compares equal to `object`.
     void remove(const OrvIBase* object) noexcept;
+    /// Releases the elements from the first to the last.
     void removeAll() noexcept;
+    /// Does nothing when there is no such element or no object.
     void replaceAt(OrvIBase* object, size_t index) noexcept;
 
   private:
@@ -47,6 +53,7 @@ class OrvEnumeratorImpl : public OrvCBase {
     virtual void Reset() noexcept = 0;
 };
 
+/// Walks through an array, which it keeps alive and which must not change meanwhile.
 class OrvArrayImplObjectEnumerator final : public OrvEnumeratorImpl {
   public:
     static constexpr uint32_t typeID = 2;

@@ -43,6 +43,7 @@ void OrvCBase::Release() noexcept {
 
 int32_t OrvCBase::Compare(const OrvIBase* other) const noexcept {
     const OrvIBase* self = this;
+    // std::less orders unrelated addresses, which "<" need not.
     if (self == other)
         return 0;
     return std::less<>()(self, other) ? -1 : 1;

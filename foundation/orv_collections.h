@@ -14,9 +14,11 @@ namespace zelmora {
 /// memory for all of them.
 [[nodiscard]] OrvIBase* OrvArrayCreateWithObjects(OrvIBase* const* objects,
                                                   uint64_t count) noexcept;
+/// The number of elements.
 [[nodiscard]] uint64_t OrvArrayGetCount(const OrvIBase* array) noexcept;
 /// Null when `index` is not below the count.
 [[nodiscard]] OrvIBase* OrvArrayGetObjectAtIndex(const OrvIBase* array, uint64_t index) noexcept;
+/// Adds at the end. A null object and want of memory each write a line and change nothing.
 void OrvArrayAddObject(OrvIBase* array, OrvIBase* object) noexcept;
 /// Inserts ahead of the element at `index`, or at the end when that is the count.
 void OrvArrayInsertObjectAtIndex(OrvIBase* array, OrvIBase* object, uint64_t index) noexcept;
@@ -24,6 +26,7 @@ void OrvArrayInsertObjectAtIndex(OrvIBase* array, OrvIBase* object, uint64_t ind
 void OrvArrayRemoveObjectAtIndex(OrvIBase* array, uint64_t index) noexcept;
 /// Removes the first element whose Compare with `object` gives 0.
 void OrvArrayRemoveObject(OrvIBase* array, const OrvIBase* object) noexcept;
+/// Releases all elements, first to last.
 void OrvArrayRemoveAllObjects(OrvIBase* array) noexcept;
 /// Does nothing when there is no such element or no object.
 void OrvArrayReplaceObjectAtIndex(OrvIBase* array, OrvIBase* object, uint64_t index) noexcept;
@@ -39,8 +42,10 @@ void OrvArrayReplaceObjectAtIndex(OrvIBase* array, OrvIBase* object, uint64_t in
 /// Stores `value` under the NUL-terminated `key`, in place of one stored there before. When there
 /// is no memory for it, nothing is stored under the key afterwards.
 void OrvDictionarySetValue(OrvIBase* dictionary, OrvIBase* value, const wchar_t* key) noexcept;
+/// The value stored under `key`, borrowed, or null.
 [[nodiscard]] OrvIBase* OrvDictionaryGetValue(const OrvIBase* dictionary,
                                               const wchar_t* key) noexcept;
+/// Does nothing when there is no such key.
 void OrvDictionaryRemoveValue(OrvIBase* dictionary, const wchar_t* key) noexcept;
 /// Sets every entry of `other` in `dictionary`.
 void OrvDictionaryAddEntries(OrvIBase* dictionary, const OrvIBase* other) noexcept;

@@ -117,6 +117,7 @@ OrvCCSSParser::Rule OrvCCSSParser::readRule(int32_t offset) const {
     const size_t start = reader.position();
     std::wstring selectors;
     const bool hasBlock = reader.readSelectors(selectors) == CSSReader::SelectorEnd::block;
+    // Reading the selectors stops only where a block opens, so this guards against changes there.
     if (hasBlock && reader.openBlock() == CSSReader::Opening::otherCharacter)
         return {.element = {}, .error = orvCSSErrorNoBlock};
     ElementBuilder builder;
@@ -134,6 +135,7 @@ OrvCCSSElement* OrvCCSSParser::ParseElement(int32_t offset, int32_t* start, int3
     Rule rule;
     (void)allocating([&] { rule = readRule(offset); });
     auto* element = rule.element.release();
+    // An element that the pool could not take is gone, and its place must not be told.
     const bool isHandedOver = OrvTemporaryObjectsPoolAddObject(element) != nullptr;
     report(start, isHandedOver ? rule.start : 0);
     report(length, isHandedOver ? rule.length : 0);
@@ -156,6 +158,7 @@ OrvCCSSElement* OrvCCSSParser::FindElement(std::wstring_view keyword, int32_t of
         if (hasSelector && compareCaseInsensitive(element->firstSelector(), keyword) == 0)
             found = OrvPtr<OrvCCSSElement>::retaining(element);
     }
+    // The pass's pool is closed: the element goes to the pool of the caller.
     auto* element = found.release();
     if (!OrvTemporaryObjectsPoolAddObject(element))
         return nullptr;

@@ -10,6 +10,7 @@ namespace zelmora {
 /// A run of bytes; the kinds differ in where they keep it.
 class OrvDataImpl : public OrvCBase {
   public:
+    /// Valid as long as the object; may be null for no bytes.
     [[nodiscard]] virtual const void* GetBytes() const noexcept = 0;
     [[nodiscard]] virtual uint64_t GetSize() const noexcept = 0;
     [[nodiscard]] OrvPlatformObject CopyCocoaObject() const noexcept override;

@@ -42,7 +42,7 @@ bool OrvDictionaryImpl::setValue(OrvIBase* value, const wchar_t* key) noexcept {
     Entries::node_type old; // alive to the end: it may own `value`, and `key` may be its text
     if (const auto entry = _entries.find(std::wstring_view(key)); entry != _entries.end()) {
         if (entry->second.get() == value)
-            return true;
+            return true; // retaining it again would count one owner twice
         old = _entries.extract(entry);
     }
     if (allocating([&] { _entries.emplace(key, OrvPtr<>::retaining(value)); }))

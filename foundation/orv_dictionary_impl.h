@@ -25,10 +25,13 @@ class OrvDictionaryImpl final : public OrvCBase {
     /// Values without a platform form stand as an empty string, as in an array.
     [[nodiscard]] OrvPlatformObject CopyCocoaObject() const noexcept override;
 
+    /// Valid, and in key order, until the dictionary changes.
     [[nodiscard]] const Entries& entries() const noexcept { return _entries; }
+    /// Borrowed; null when there is none.
     [[nodiscard]] OrvIBase* value(std::wstring_view key) const noexcept;
     /// Answers false, and wrote a line, when an argument is null or memory runs out.
     bool setValue(OrvIBase* value, const wchar_t* key) noexcept;
+    /// A key that is not there is no error.
     void removeValue(std::wstring_view key) noexcept;
 
   private:

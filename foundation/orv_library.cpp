@@ -57,6 +57,7 @@ struct Library {
 constinit Eternal<Library> state;
 
 void registerNull() noexcept {
+    // The registry reports it when there was no memory for the object.
     auto null = makeObject<OrvNullImpl>();
     OrvRegisterSharedObject(null.get(), nullKey);
     // Without a pool the registry is its only owner.
@@ -89,6 +90,7 @@ int32_t OrvFoundationTerminate() noexcept {
     Library& library = state.value;
     if (--library.initialisationCount != 0)
         return 0;
+    // From what was built last to what was built first.
     library.drainHook.remove();
     library.mainPool = {};
     library.sharedObjects = {};

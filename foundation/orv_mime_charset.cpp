@@ -15,6 +15,7 @@ constexpr const wchar_t* noOrder = L"";
 constexpr const wchar_t* littleEndian = L"-LE";
 constexpr const wchar_t* bigEndian = L"-BE";
 
+/// IANA's preferred MIME names. UTF-16 and UTF-32 have no row without a byte order.
 struct Row {
     int32_t encoding;
     const wchar_t* byteOrder;
@@ -27,6 +28,7 @@ constexpr Row rows[] = {
     {6, bigEndian, L"UTF-32BE"}, {6, littleEndian, L"UTF-32LE"},
 };
 
+/// A row's key in the table: the encoding in hexadecimal and the byte order, "0005-LE".
 using Key = std::array<wchar_t, 64>;
 
 Key rowKey(int32_t encoding, const wchar_t* byteOrder) {
@@ -41,6 +43,7 @@ OrvDictionaryImpl* buildTable(OrvDictionaryImpl& registry) noexcept {
     if (!table)
         return nullptr;
     for (const Row& row : rows) {
+        // Null without memory, which the table refuses and reports.
         OrvIBase* name = OrvTemporaryString(row.name);
         if (!table->setValue(name, rowKey(row.encoding, row.byteOrder).data()))
             return nullptr;

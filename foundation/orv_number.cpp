@@ -10,6 +10,8 @@ namespace zelmora {
 
 namespace {
 
+/// C's conversions, made total: where a floating-point value does not fit C leaves the result
+/// undefined, here it is the nearest value that does.
 template<typename To, typename From>
 To converted(From value) {
     if constexpr (std::is_same_v<To, bool>) {
@@ -29,6 +31,7 @@ To converted(From value) {
     }
 }
 
+/// Property lists know signed 64-bit integers; what is beyond them is better near than negative.
 template<typename T>
 platform::PropertyListValue platformNumber(T value) {
     if constexpr (std::is_same_v<T, bool>)
@@ -41,6 +44,7 @@ platform::PropertyListValue platformNumber(T value) {
         return static_cast<int64_t>(value);
 }
 
+/// The place of T among the fields, which is the code of its kind.
 template<typename T, size_t kind = 0>
 constexpr size_t kindOf() {
     if constexpr (std::is_same_v<T, std::tuple_element_t<kind, OrvNumberImpl::Fields>>)

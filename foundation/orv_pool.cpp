@@ -27,6 +27,7 @@ class ThreadPools {
                 entry->pools.push_back(pool);
                 return;
             }
+            // The stack first: a failure must not leave an entry with an empty one.
             std::vector<Pool*> pools(1, pool);
             _entries.push_back({pthread_self(), std::move(pools)});
         });
@@ -117,6 +118,8 @@ Pool* Pool::currentOrComplain() noexcept {
 }
 
 Pool::~OrvCTemporaryObjectsPool() {
+    // What an unbalanced pool holds may still be in use by whoever opened a pool above it, or by
+    // its own thread: it is rather leaked than released.
     if (!_isOpen)
         return;
     if (current() == this)
@@ -138,6 +141,7 @@ OrvStringImpl* Pool::constantString(const wchar_t* literal) noexcept {
     const auto isEqual = [literal](const OrvStringImpl* string) {
         return std::wcscmp(string->characters().c_str(), literal) == 0;
     };
+    // From the newest: a caller's literals are the last that were asked for.
     const auto newest = std::find_if(_constantStrings.rbegin(), _constantStrings.rend(), isEqual);
     if (newest != _constantStrings.rend())
         return *newest;

@@ -30,6 +30,7 @@ struct OrvRange {
 
 /// A new string of the platform's text, lossless even for lone surrogates.
 [[nodiscard]] OrvIBase* OrvStringCreateWithNSString(std::u16string_view text) noexcept;
+/// The same as a temporary object.
 [[nodiscard]] OrvIBase* OrvTemporaryStringWithNSString(std::u16string_view text) noexcept;
 /// The string as the platform's text, the inverse of the above (OrvCopyCocoaObject answers a
 /// property-list value, which is UTF-8). nullopt when memory runs out.
@@ -41,6 +42,7 @@ struct OrvRange {
 
 /// The NUL-terminated characters, valid until the string changes or dies.
 [[nodiscard]] const wchar_t* OrvStringGetCharacters(const OrvIBase* string) noexcept;
+/// The number of characters, without the NUL that follows them.
 [[nodiscard]] uint64_t OrvStringGetLength(const OrvIBase* string) noexcept;
 /// A new string of the part of `range` that lies within `string`; empty for a negative location.
 [[nodiscard]] OrvIBase* OrvStringCreateSubstring(const OrvIBase* string, OrvRange range) noexcept;
@@ -56,6 +58,7 @@ struct OrvRange {
 
 // What cannot grow for want of memory stays as it was; nothing is reported.
 
+/// Appends the characters of `appended`, which may be the same string.
 void OrvStringAppend(OrvIBase* string, const OrvIBase* appended) noexcept;
 /// Removes the white space at both ends.
 void OrvStringTrimWhitespace(OrvIBase* string) noexcept;

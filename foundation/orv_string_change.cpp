@@ -17,6 +17,7 @@ std::wstring_view lineBreakText(int32_t kind) {
     return kind > 0 && kind < 5 ? texts[static_cast<size_t>(kind)] : texts[0];
 }
 
+/// One pass into a new buffer: replacing in place would move the rest of the text each time.
 std::wstring replacingAll(std::wstring_view text, std::wstring_view searched,
                           std::wstring_view replacement) {
     std::wstring result;

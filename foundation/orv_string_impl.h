@@ -13,6 +13,7 @@ class OrvStringImpl final : public OrvCBase {
   public:
     static constexpr uint32_t typeID = 3;
 
+    /// Copies; throws std::bad_alloc. See makeString().
     explicit OrvStringImpl(std::wstring_view characters) : _characters(characters) {}
     explicit OrvStringImpl(std::wstring&& characters) noexcept
         : _characters(std::move(characters)) {}
@@ -20,6 +21,7 @@ class OrvStringImpl final : public OrvCBase {
     [[nodiscard]] uint32_t GetTypeID() const noexcept override { return typeID; }
     [[nodiscard]] OrvPlatformObject CopyCocoaObject() const noexcept override;
 
+    /// The text itself. Who changes it catches what a std::wstring throws.
     [[nodiscard]] const std::wstring& characters() const noexcept { return _characters; }
     [[nodiscard]] std::wstring& characters() noexcept { return _characters; }
 

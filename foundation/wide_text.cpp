@@ -22,6 +22,7 @@ constexpr bool isLowSurrogate(uint32_t unit) {
 } // namespace
 
 std::wstring wideFromUTF16(std::u16string_view text) {
+    // As long as if there were no pairs, and cut afterwards: cheaper than counting them.
     std::wstring wide(text.size(), L'\0');
     wchar_t* out = wide.data();
     for (size_t i = 0; i < text.size(); ++i) {
@@ -38,6 +39,7 @@ std::u16string utf16FromWide(std::wstring_view text) {
     const auto isPair = [](wchar_t character) {
         return character > 0xFFFF && static_cast<uint32_t>(character) <= lastCodePoint;
     };
+    // Counted beforehand: pairs are rare, and the buffer is then right at once.
     const auto pairs = std::count_if(text.begin(), text.end(), isPair);
     std::u16string units(text.size() + static_cast<size_t>(pairs), u'\0');
     char16_t* out = units.data();
