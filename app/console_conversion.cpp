@@ -61,6 +61,8 @@ void ConsoleConversion::open(ZelDocumentController& controller, const std::strin
 }
 
 std::string pathFromArgument(const std::string& argument) {
+    if (argument.empty())
+        return {};
     const auto absolute = platform::absolutePath(argument);
     if ((absolute + "/").find("/../") != std::string::npos) {
         const std::unique_ptr<char, decltype(&std::free)> resolved(
