@@ -1,0 +1,198 @@
+#!/usr/bin/python3
+"""Whole folders through zelmora-convert: exact bytes, and what becomes of files that make trouble.
+
+    conversion_test.py PROGRAM
+"""
+
+import os
+import pwd
+import re
+import resource
+import signal
+import socket
+import subprocess
+
+import console_case
+from console_case import TEXT
+
+SOURCE = TEXT.encode("cp932")
+CONVERTED = TEXT.encode()
+
+PROSE = "".join(f"第{n}章。吾輩は猫である。名前はまだ無い。表示能力ソート、①～Ⅲ。\r\n" for n in range(200))
+HTML = ('<html>\r\n<head>\r\n<meta http-equiv="Content-Type" content="text/html; charset={}">\r\n'
+        "<title>町の図書館</title>\r\n</head>\r\n<body>" + PROSE + "</body>\r\n</html>\r\n")
+XML = '<?xml version="1.0" encoding="{}"?>\r\n<本>' + PROSE + "</本>\r\n"
+CSS = '@charset "{}";\r\n/* ' + PROSE + ' */\r\nh1 {{ font-family: "ＭＳ 明朝" }}\r\n'
+
+
+# Two more bytes, and no temporary name fits into what a file system takes.
+LONGEST = b"\xff" * 249 + b".txt"
+
+
+def site(codec, charset):
+    texts = {b"index.html": HTML, b"news/old/a.htm": HTML, b"data/a.xml": XML, b"style/a.css": CSS,
+             b"read me.txt": PROSE, "資料/日本語.txt".encode(): PROSE, b"\x83\x5c/\xff.txt": PROSE}
+    return {name: text.format(charset).encode(codec) for name, text in texts.items()}
+
+
+def limit_file_size():
+    """The disk is full, as far as files above 1000 bytes are concerned."""
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+
+
+class ConversionTest(console_case.ConsoleCase):
+    # Thousands of files, each waited for until it is on the disk, take their time on a real one.
+    scratch = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+
+    def test_a_site_goes_to_utf_8_and_back_byte_for_byte(self):
+        shift_jis, utf_8 = site("cp932", "Shift_JIS"), site("utf-8", "UTF-8")
+        for name, contents in shift_jis.items():
+            self.write(name, contents)
+        self.write(b"photo.jpg", SOURCE)
+        for options, expected in [("--encoding utf-8", utf_8), ("--encoding shift_jis", shift_jis),
+                                  ("--encoding keep", shift_jis)]:
+            run = self.convert(*options.split(), ".")
+            self.assert_run(run, 0, b"%d converted, 0 failed" % len(expected))
+            tree = self.tree()
+            self.assertEqual(tree.pop(b"photo.jpg"), SOURCE)
+            self.assertEqual(sorted(tree), sorted(expected))
+            for name in expected:
+                self.assertEqual(tree[name], expected[name], (options, name))
+
+    def test_detect_tells_what_each_file_is_and_changes_nothing(self):
+        prose = PROSE.replace("①～Ⅲ", "")
+        for name, contents, words in [
+            (b"1.txt", PROSE.encode("cp932"), "Shift_JIS none no CRLF"),
+            (b"2.txt", prose.encode("iso2022_jp").replace(b"\r", b""), "ISO-2022-JP none no LF"),
+            (b"3.txt", prose.replace("\n", "").encode("euc_jp"), "EUC-JP none no CR"),
+            (b"4.txt", b"\xef\xbb\xbf" + prose.replace("\r\n", "\u2028").encode(), "UTF-8 none yes LS"),
+            (b"5.txt", b"\xff\xfe" + PROSE.encode("utf-16-le"), "UTF-16 little yes CRLF"),
+            (b"6.txt", PROSE.encode("utf-16-be"), "UTF-16 big no CRLF"),
+            (b"7.txt", b"\0\0\xfe\xff" + PROSE.encode("utf-32-be"), "UTF-32 big yes CRLF"),
+            (b"\x83\x5c\n\t\x1b.txt", prose.encode("euc_jp"), "EUC-JP none no CRLF"),
+        ]:
+            with self.subTest(name=name):
+                self.write(name, contents)
+                run = self.run_console("--detect", name)
+                self.assert_run(run, 0)
+                shown = "\\x83\\\\n\\t\\x1B.txt" if name[:1] == b"\x83" else name.decode()
+                path = os.fsdecode(self.path(b"")) + shown
+                self.assertEqual(run.stdout.decode(), "\t".join([path, *words.split()]) + "\n")
+                self.assertEqual(run.stderr, b"")
+                self.assertEqual(self.read(name), contents)
+        run = self.run_console("--detect", ".", "nothing.txt")
+        self.assert_run(run, 1)
+        self.assertEqual(run.stdout.count(b"\n"), 8)
+        with open("/dev/full", "wb") as full:
+            run = subprocess.run(self.command("--detect", self.folder), stdout=full,
+                                              env=self.environment(), check=False)
+            self.assertEqual(run.returncode, 1)
+
+    def test_what_makes_trouble_fails_alone(self):
+        too_long = b"\xff" * 251 + b".txt"
+        files = {b"a.txt": SOURCE, b"a#0.txt": SOURCE, b"sub/b.txt": SOURCE, LONGEST: SOURCE,
+                 b"empty.txt": b"", b"dot.": SOURCE, b"none": SOURCE, b".hidden.txt": SOURCE,
+                 b"bad.txt": b"\xff" * 100, b"esc\x1b[31m\n\xff.txt": b"\xff" * 100, too_long: SOURCE}
+        for name, contents in files.items():
+            self.write(name, contents)
+        os.mkfifo(self.path(b"fifo.txt"))
+        os.symlink("loop.txt", self.path(b"loop.txt"))
+        os.symlink("nowhere", self.path(b"dangling.txt"))
+        os.symlink(".", self.path(b"cycle"))
+        with socket.socket(socket.AF_UNIX) as server:
+            server.bind(os.path.relpath(self.path(b"socket.txt")))
+        names = sorted(os.listdir(self.folder))
+
+        run = self.convert(".")
+        self.assert_run(run, 1, b"5 converted, 7 failed")
+        for name in (b"a.txt", b"a#0.txt", b"sub/b.txt", LONGEST):
+            files[name] = CONVERTED
+        self.assertEqual(self.tree(), files)
+        self.assertEqual(sorted(os.listdir(self.folder)), names)
+        lines = run.stderr.splitlines()
+        self.assertEqual(lines[:-1:2], [b"A file could not be converted."] * 7)
+        for name, reason in [(b"bad.txt", b"Its bytes are not valid "), (b"fifo.txt", b"It cannot be read: "),
+                             (b"esc\\x1B[31m\\n\\xFF.txt", b"Its bytes are not valid "),
+                             (b"loop.txt", b"It cannot be read: Too many levels of symbolic links"),
+                             (b"dangling.txt", b"It cannot be read: No such file"),
+                             (b"socket.txt", b"It cannot be read: "),
+                             (b"\\xFF" * 251 + b".txt", b"cannot be written: File name too long")]:
+            found = [line for line in lines if line.startswith(self.path(name) + b" was not converted. ")]
+            self.assertEqual([reason in line for line in found], [True], (name, found))
+
+    def test_zero_bytes_read_as_the_widest_encoding(self):
+        for count in range(1, 9):
+            self.write(b"%d.txt" % count, b"\0" * count)
+        self.assert_run(self.convert("."), 1, b"2 converted, 6 failed")
+        self.assertEqual(self.tree(), {b"%d.txt" % count: b"\0" * (count if count % 4 else count // 4)
+                                       for count in range(1, 9)})
+
+    def test_a_full_disk_leaves_every_source_as_it_was(self):
+        large = "東京都\r\n".encode("cp932") * 500
+        self.write(b"large.txt", large)
+        self.write(b"small.txt", SOURCE)
+        run = self.convert("--encoding", "utf-16", ".", preexec_fn=limit_file_size)
+        self.assert_run(run, 1, b"1 converted, 1 failed")
+        self.assertEqual(self.tree(), {b"large.txt": large, b"small.txt": TEXT.encode("utf-16-le")})
+        self.assertIn(b"large.txt was not converted. The converted text cannot be written: "
+                      b"File too large.", run.stderr)
+
+        run = self.run_console("large.txt", preexec_fn=limit_file_size)  # now the backup fails
+        self.assert_run(run, 1, b"0 converted, 1 failed")
+        self.assertIn(b"A backup could not be made.\n", run.stderr)
+        self.assertEqual(self.read(b"large.txt"), large)
+        self.assertEqual(os.listdir(os.path.join(self.home, b"Zelmora Backup")), [])
+
+    def test_permissions_that_are_missing(self):
+        for name in (b"open/a.txt", b"open/secret.txt", b"locked/a.txt", b"hidden/a.txt"):
+            self.write(name, SOURCE)
+        user = {}
+        if os.geteuid() == 0:  # to whom permissions mean nothing
+            user = {"user": "nobody"}
+            owner = pwd.getpwnam("nobody").pw_uid
+            for name in (b"", b"open", b"open/a.txt", b"open/secret.txt", b"locked", b"hidden"):
+                os.chown(self.path(name), owner, -1)
+        for name, mode in [(b"open/secret.txt", 0), (b"locked", 0o555), (b"hidden", 0)]:
+            os.chmod(self.path(name), mode)
+        self.addCleanup(os.chmod, self.path(b"locked"), 0o755)
+        self.addCleanup(os.chmod, self.path(b"hidden"), 0o755)
+
+        run = self.convert(".", **user)
+        self.assert_run(run, 1, b"1 converted, 3 failed")
+        for name, message in [(b"open/secret.txt", b"It cannot be read: Permission denied."),
+                              (b"locked/a.txt", b"cannot be written: Permission denied.")]:
+            self.assertRegex(run.stderr, re.escape(self.path(name)) + b".*" + message)
+        self.assertRegex(run.stderr, b"A folder could not be searched.\n.*hidden.*Permission denied")
+        os.chmod(self.path(b"hidden"), 0o755)
+        os.chmod(self.path(b"open/secret.txt"), 0o644)
+        self.assertEqual(self.tree(), {b"open/a.txt": CONVERTED, b"open/secret.txt": SOURCE,
+                                       b"locked/a.txt": SOURCE, b"hidden/a.txt": SOURCE})
+
+    def test_a_tree_deeper_than_a_path_can_be_long(self):
+        here = os.open(".", os.O_RDONLY)
+        self.addCleanup(os.close, here)
+        try:
+            os.chdir(self.folder)
+            for _ in range(25):
+                os.mkdir(b"d" * 200)
+                os.chdir(b"d" * 200)
+            with open("a.txt", "wb") as file:
+                file.write(SOURCE)
+            run = self.run_console(".")
+            self.assert_run(run, 0, b"1 converted, 0 failed")
+            with open("a.txt", "rb") as file:
+                self.assertEqual(file.read(), CONVERTED)
+            self.assertEqual(os.listdir("."), ["a.txt"])
+        finally:
+            os.fchdir(here)
+
+    def test_thousands_of_files_in_one_folder(self):
+        names = [b"%d.txt" % number for number in range(5000)]
+        for name in names:
+            self.write(name, SOURCE)
+        self.assert_run(self.convert("."), 0, b"5000 converted, 0 failed")
+        self.assertEqual(self.tree(), {name: CONVERTED for name in names})
+
+
+console_case.main()

@@ -1,0 +1,194 @@
+#!/usr/bin/python3
+"""The command line of zelmora-convert: what each option does to a file, and what is refused.
+
+    options_test.py PROGRAM
+"""
+
+import os
+import plistlib
+import subprocess
+
+import console_case
+from console_case import TEXT
+
+# The IBM extension, not its copy in the NEC rows, as Microsoft's own encoder writes it.
+SOURCE = TEXT.encode("cp932").replace(b"\xee\xe0", b"\xfb\xfc")
+BE_MARK, LE_MARK = b"\xfe\xff", b"\xff\xfe"
+
+# Options, and what the Shift_JIS text becomes. Without any: UTF-8, no mark, line breaks kept.
+TEXTS = [
+    ("", TEXT.encode()),
+    ("--encoding keep", SOURCE),
+    ("--encoding=shift_jis --line-break lf", SOURCE.replace(b"\r", b"")),
+    ("--encoding EUC-JP --katakana", TEXT.replace("ﾊﾟﾝ", "パン").replace("①髙", "").encode("euc_jp")),
+    ("--encoding utf-8 --bom", b"\xef\xbb\xbf" + TEXT.encode()),
+    ("--encoding utf-16", TEXT.encode("utf-16-le")),
+    ("--encoding utf16 --byte-order big --bom", BE_MARK + TEXT.encode("utf-16-be")),
+    ("--encoding utf-32 --byte-order little --bom", LE_MARK + b"\0\0" + TEXT.encode("utf-32-le")),
+    ("--line-break cr", TEXT.replace("\r\n", "\r").encode()),
+    ("--line-break ls", TEXT.replace("\r\n", "\u2028").encode()),
+    ("--line-break lf --line-break keep", TEXT.encode()),
+    ("--encoding utf-16 --mapping windows", TEXT.encode("utf-16-le")),
+    # Settings by name, and the last of those that contradict each other.
+    ("--set encodingCode=5 --set littleEndian=NO", TEXT.encode("utf-16-be")),
+    ("--set encodingCode=5 --encoding utf-8", TEXT.encode()),
+    ("--encoding utf-8 --set encodingCode=5", TEXT.encode("utf-16-le")),
+    ("--bom --no-bom", TEXT.encode()),
+    ("--no-bom --set putBOM=1", b"\xef\xbb\xbf" + TEXT.encode()),
+    ("--bom --set putBOM=false", TEXT.encode()),
+    # Which files.
+    ("--ext=", SOURCE),
+    ("--ext html,css", SOURCE),
+    ("--ext html,TXT", TEXT.encode()),
+    ("--set nameExtensionArray=", SOURCE),
+]
+
+# Refused with status 2 before anything is touched; what the first line says of it.
+REFUSED = [
+    (["--set", "nothing=1"], "Unknown setting: nothing"),
+    (["--set", "putBOM"], "Not KEY=VALUE: putBOM"),
+    (["--set", "putBOM=maybe"], "Bad value for putBOM: maybe"),
+    (["--set", "putBOM="], "Bad value for putBOM: "),
+    (["--set", "encodingCode=4.5"], "Bad value for encodingCode: 4.5"),
+    (["--set", "encodingCode=99999999999999999999"],
+     "Bad value for encodingCode: 99999999999999999999"),
+    (["--set", "nameExtensionArray=.txt"], "Bad value for nameExtensionArray: .txt"),
+    (["--set", "a\x1b[2J=1"], "Unknown setting: a\\x1B[2J"),
+    (["--encoding", "latin1"], "Bad value for --encoding: latin1"),
+    (["--encoding="], "Bad value for --encoding: "),
+    (["--line-break", "LFCR"], "Bad value for --line-break: LFCR"),
+    (["--ext", "txt,"], "Bad value for --ext: txt,"),
+    (["--backup", ""], "Bad value for --backup: "),
+    (["--log="], "Bad value for --log: "),
+    (["--bogus"], "Unknown option: --bogus"),
+    (["-x"], "Unknown option: -x"),
+    (["--bom=NO"], "Option takes no value: --bom"),
+    (["--bom", "--bogus", "--encoding", "utf-8"], "Unknown option: --bogus"),
+]
+
+# Names that a command line could take for something else.
+PATHS = ["[a,b].txt", "[a.txt]", "{}", "%%", "++", "-5.txt", "--help", "--", "a b;$c.txt", "日本.txt"]
+
+
+class OptionsTest(console_case.ConsoleCase):
+    def test_options_decide_what_a_text_becomes(self):
+        for options, expected in TEXTS:
+            source = SOURCE
+            if "EUC" in options:  # Python's EUC-JP has no rows of vendors
+                source = SOURCE.replace(b"\x87\x40\xfb\xfc", b"")
+            with self.subTest(options=options):
+                self.write(b"a.txt", source)
+                converted = 0 if expected == SOURCE and "keep" not in options else 1
+                run = self.convert(*options.split(), "a.txt")
+                self.assert_run(run, 0, b"%d converted, 0 failed" % converted)
+                self.assertEqual(run.stderr.count(b"\n"), 1, run.stderr)
+                self.assertEqual(run.stdout, b"")
+                self.assertEqual(self.tree(), {b"a.txt": expected})
+
+    def test_what_makes_no_sense_is_refused(self):
+        self.write(b"a.txt", SOURCE)
+        for options, message in REFUSED:
+            with self.subTest(options=options):
+                run = self.run_console(*options, "--save", "--", "a.txt")
+                self.assert_run(run, 2)
+                self.assertEqual(run.stderr.decode(), f"zelmora-convert: {message}\nzelmora-convert: "
+                                 "Try 'zelmora-convert --help'.\n")
+                self.assertEqual(self.tree(), {b"a.txt": SOURCE})
+                self.assertEqual(os.listdir(self.home), [])
+        for options in ([], ["--detect"], ["--quiet", "--"]):
+            self.assertIn(b"No path given", self.run_console(*options).stderr)
+            self.assert_run(self.run_console(*options), 2)
+        self.assertIn(b"Option needs a value: --log", self.run_console("a.txt", "--log").stderr)
+
+    def test_a_path_is_taken_byte_for_byte(self):
+        for name in [os.fsencode(each) for each in PATHS] + [b"\xff.txt", b"\x83\x5c.txt"]:
+            with self.subTest(name=name):
+                self.write(name, SOURCE)
+                options = ["--set", "allowConvertNoNameExtension=YES", "--ext", "txt,txt]"]
+                self.assert_run(self.convert(*options, "--", name), 0, b"1 converted, 0 failed")
+                self.assertEqual(self.tree(), {name: TEXT.encode()})
+                os.remove(self.path(name))
+
+    def test_paths_that_are_not_there_fail_and_the_others_are_converted(self):
+        for name in ("", "nothing", "nothing.txt", "a.txt/b.txt", "[b.txt]"):
+            with self.subTest(name=name):
+                self.write(b"a.txt", SOURCE)
+                self.write(b"b.txt", SOURCE)
+                run = self.convert(name, "a.txt")
+                self.assert_run(run, 1, b"1 converted, 1 failed")
+                self.assertIn(b"A file could not be converted.\n", run.stderr)
+                self.assertEqual(self.tree(), {b"a.txt": TEXT.encode(), b"b.txt": SOURCE})
+
+    def test_declarations_follow_the_encoding(self):
+        for name, option, before, after in [
+            ("a.html", "--html", "<html><head></head>", '<html><head><meta http-equiv="content-type" '
+             'content="text/html; charset=UTF-8"></head>'),
+            ("a.css", "--css", "p { color: red }\n", '@charset "UTF-8";\np { color: red }\n'),
+            ("a.xml", "--xml", "<?xml version='1.0' encoding='Shift_JIS'?>", None),
+        ]:
+            with self.subTest(name=name):
+                self.write(name.encode(), before.encode())
+                self.assert_run(self.convert(option, name), 0)
+                got = self.read(name.encode()).decode()
+                if after is None:
+                    self.assertRegex(got, "^<[?]xml .*encoding=.UTF-8.")
+                else:
+                    self.assertEqual(got.lower(), after.lower())
+
+    def test_saved_settings_hold_until_the_command_line_says_otherwise(self):
+        self.assert_run(self.run_console("--save", "--encoding", "utf-16", "--set", "autoBackup=NO"), 0)
+        with open(self.saved_settings, "rb") as file:
+            self.assertEqual(plistlib.load(file), {"encodingCode": 5, "autoBackup": False})
+        for options, expected in [([], "utf-16-le"), (["--encoding", "utf-8"], "utf-8"),
+                                  (["--byte-order", "big"], "utf-16-be"), ([], "utf-16-le"),
+                                  (["--save", "--encoding", "euc-jp"], "euc_jp"), ([], "euc_jp")]:
+            with self.subTest(options=options):
+                self.write(b"a.txt", "東京\r\n吾輩は猫である\r\n".encode("cp932"))
+                self.assert_run(self.run_console(*options, "a.txt"), 0)
+                self.assertEqual(self.read(b"a.txt"), "東京\r\n吾輩は猫である\r\n".encode(expected))
+
+    def test_damaged_saved_settings_are_reported_and_kept(self):
+        os.makedirs(os.path.dirname(self.saved_settings))
+        self.write(self.saved_settings, b"<plist><dict><key>")
+        self.write(b"a.txt", SOURCE)
+        run = self.convert("a.txt")
+        self.assert_run(run, 0, b"1 converted, 0 failed")
+        self.assertIn(b"zelmora.plist", run.stderr.splitlines()[0])
+        self.assertEqual(self.read(b"a.txt"), TEXT.encode())
+
+    def test_backup_and_log(self):
+        self.write(b"site/a.txt", SOURCE)
+        for round_number in (1, 2):
+            run = self.run_console("--log", "new/a.log", "--backup", "../copies", "site")
+            self.assert_run(run, 0, b"1 converted, 0 failed")
+        copies = self.path_of_top(b"copies")
+        self.assertEqual(sorted(os.listdir(copies)), [b"site", b"site1"])
+        self.assertEqual(self.read(os.path.join(copies, b"site/a.txt")), SOURCE)
+        self.assertEqual(self.read(os.path.join(copies, b"site1/a.txt")), TEXT.encode())
+        lines = self.read(b"new/a.log").decode().splitlines()
+        self.assertEqual([line.split(" ")[2:4] for line in lines],
+                         [["Backup", "Success"], ["Conversion", "Success"]] * 2)
+        self.assertIn("Encoding:Shift_JIS->UTF-8", lines[1])
+
+    def test_words(self):
+        for language, summary, usage in [("C", "1 converted, 0 failed", "Usage: "),
+                                         ("ja_JP.UTF-8", "変換 1 件、失敗 0 件", "使い方: "),
+                                         ("ja", "変換 1 件、失敗 0 件", "使い方: ")]:
+            with self.subTest(language=language):
+                self.write(b"a.txt", SOURCE)
+                run = self.convert("a.txt", language=language)
+                self.assertEqual(run.stderr.decode(), summary + "\n")
+                run = self.run_console("--help", language=language)
+                self.assert_run(run, 0)
+                self.assertTrue(run.stdout.decode().startswith(usage), run.stdout)
+                self.assertEqual(run.stderr, b"")
+        self.assertRegex(self.run_console("--version").stdout, rb"^zelmora-convert \d+\.\d+")
+        self.assertEqual(self.convert("--quiet", "a.txt").stderr, b"")
+        with open("/dev/full", "wb") as full:
+            for option in ("--help", "--version"):
+                run = subprocess.run(self.command(option), stdout=full, check=False,
+                                                  env=self.environment())
+                self.assertEqual(run.returncode, 1, option)
+
+
+console_case.main()

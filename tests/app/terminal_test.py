@@ -1,0 +1,143 @@
+#!/usr/bin/python3
+"""zelmora-convert on a pseudo terminal: the progress line, and Ctrl-C.
+
+    terminal_test.py PROGRAM
+"""
+
+import fcntl
+import os
+import pty
+import re
+import select
+import signal
+import struct
+import subprocess
+import termios
+import time
+
+import console_case
+from console_case import TEXT
+
+SOURCE = TEXT.encode("cp932")
+LARGE = "吾輩は猫である。名前はまだ無い。ｶﾀｶﾅ\r\n" * 500_000
+INTERRUPT = b"\x03"  # as the terminal's driver takes Ctrl-C
+
+
+class Terminal:
+    """A process group in the foreground of a terminal of its own, which remembers all it showed."""
+
+    def __init__(self, command, columns=60, **options):
+        self.control, terminal = pty.openpty()
+        fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+        self.process = subprocess.Popen(
+            command, stdin=terminal, stdout=terminal, stderr=terminal, start_new_session=True,
+            preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0), **options)
+        os.close(terminal)
+        self.shown = b""
+
+    def close(self):
+        self.process.kill()
+        self.process.wait()
+        os.close(self.control)
+
+    def type(self, keys):
+        os.write(self.control, keys)
+
+    def wait_until(self, condition):
+        """Answers whether `condition` became true while the program ran (60 seconds at most)."""
+        deadline = time.monotonic() + 60
+        while time.monotonic() < deadline:
+            if condition():
+                return True
+            if select.select([self.control], [], [], 0.002)[0]:
+                try:
+                    self.shown += os.read(self.control, 65536)
+                except OSError:  # the last process has closed it
+                    return condition()
+        return False
+
+    def wait(self):
+        """The exit status, once all output has been read."""
+        self.wait_until(lambda: False)
+        return self.process.wait(60)
+
+    def bytes_read(self):
+        with open(f"/proc/{self.process.pid}/io", "rb") as file:
+            return int(re.search(rb"rchar: (\d+)", file.read())[1])
+
+
+class TerminalTest(console_case.ConsoleCase):
+    def start(self, *arguments, language="C", **options):
+        terminal = Terminal(self.command("--no-backup", *arguments), cwd=self.folder,
+                            env=self.environment(language), **options)
+        self.addCleanup(terminal.close)
+        return terminal
+
+    def start_with_large_file_in_hand(self, *arguments):
+        """Converts a.txt, which takes a while, then b.txt and c.txt; stays until a.txt is read."""
+        large = LARGE.encode("cp932")
+        self.write(b"a.txt", large)
+        self.write(b"b.txt", SOURCE)
+        self.write(b"c.txt", SOURCE)
+        terminal = self.start("--katakana", *arguments, "a.txt", "b.txt", "c.txt")
+        self.assertTrue(terminal.wait_until(lambda: terminal.bytes_read() > len(large)))
+        return terminal
+
+    def assert_only_file_in_hand_is_converted(self):
+        expected = {b"a.txt": LARGE.replace("ｶﾀｶﾅ", "カタカナ").encode(), b"b.txt": SOURCE, b"c.txt": SOURCE}
+        found = self.tree()
+        self.assertEqual(sorted(found), sorted(expected))
+        for name, contents in expected.items():  # too large to be shown
+            self.assertTrue(found[name] == contents, name)
+
+    def test_progress_is_one_line_that_fits(self):
+        for number in range(300):
+            self.write(b"\xe6\x97\xa5%d.txt" % number, SOURCE)
+        for language, columns in [("C", 60), ("ja", 60), ("ja", 45), ("ja", 20)]:
+            with self.subTest(language=language, columns=columns):
+                terminal = self.start(".", language=language, columns=columns)
+                self.assertEqual(terminal.wait(), 0)
+                drawn, _, rest = terminal.shown.rpartition(b"\r\x1b[K")
+                summary = "300 converted, 0 failed" if language == "C" else "変換 300 件、失敗 0 件"
+                self.assertEqual(rest.decode(), summary + "\r\n")
+                self.assertNotIn(b"\n", drawn)
+                frames = drawn.split(b"\r\x1b[K")
+                self.assertEqual(frames[0], b"")
+                for frame in frames[1:]:
+                    text = frame.decode()
+                    width = sum(1 if character.isascii() else 2 for character in text)
+                    self.assertLess(width, columns, text)
+                    self.assertRegex(text, r"^(\[#*\.*(\] \d+%.*)?)?$")
+        self.assertEqual(self.convert(".").stderr, b"300 converted, 0 failed\n")
+
+    def test_names_cannot_write_to_the_terminal(self):
+        self.write(b"a\x1b[2J\r\n\xc2\x9bK\xff\xe8\xa1\xa8.txt", b"\xff")
+        terminal = self.start(".")
+        self.assertEqual(terminal.wait(), 1)
+        self.assertIn("/a\\x1B[2J\\r\\n\\xC2\\x9BK\\xFF表.txt was not".encode(), terminal.shown)
+
+    def test_ctrl_c_finishes_the_file_in_hand(self):
+        terminal = self.start_with_large_file_in_hand()
+        terminal.type(INTERRUPT)
+        self.assertEqual(terminal.wait(), 130)
+        self.assertTrue(terminal.shown.endswith(b"1 converted, 0 failed\r\n"), terminal.shown)
+        self.assert_only_file_in_hand_is_converted()
+
+    def test_ctrl_c_again_does_not_cut_it(self):
+        terminal = self.start_with_large_file_in_hand("--quiet")
+        for _ in range(5):
+            terminal.type(INTERRUPT)
+            terminal.wait_until(lambda deadline=time.monotonic() + 0.01: time.monotonic() > deadline)
+        self.assertEqual(terminal.wait(), 130)
+        self.assert_only_file_in_hand_is_converted()
+
+    def test_other_ways_to_be_told_to_stop(self):
+        for number in (signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(signal=number):
+                terminal = self.start_with_large_file_in_hand()
+                terminal.process.send_signal(number)
+                self.assertEqual(terminal.wait(), 128 + number)
+                self.assert_only_file_in_hand_is_converted()
+
+
+console_case.main()
