@@ -128,6 +128,23 @@ class ConversionTest(console_case.ConsoleCase):
         self.assertEqual(self.tree(), {b"%d.txt" % count: b"\0" * (count if count % 4 else count // 4)
                                        for count in range(1, 9)})
 
+    def test_closed_standard_descriptors_are_nobodys_files(self):
+        # Each message about a bad file comes while the next good one is written.
+        files = {b"%d.txt" % number: b"\xff" if number % 2 else SOURCE * 200 for number in range(1000)}
+        for name, contents in files.items():
+            self.write(name, contents)
+        paths = [self.path(name) for name in files]
+        run = subprocess.Popen(self.command("--no-backup", *paths), env=self.environment(),
+                               preexec_fn=lambda: os.closerange(0, 3))
+        self.assertEqual(run.wait(60), 1)
+        tree = self.tree()
+        for name, contents in files.items():
+            self.assertTrue(tree.pop(name) == (b"\xff" if contents == b"\xff" else CONVERTED * 200), name)
+        self.assertEqual(tree, {})
+        run = subprocess.Popen(self.command("--detect", self.folder), env=self.environment(),
+                               preexec_fn=lambda: os.closerange(0, 3))
+        self.assertEqual(run.wait(60), 1)
+
     def test_a_full_disk_leaves_every_source_as_it_was(self):
         large = "東京都\r\n".encode("cp932") * 500
         self.write(b"large.txt", large)
