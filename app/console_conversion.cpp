@@ -57,7 +57,7 @@ void ConsoleConversion::open(ZelDocumentController& controller, const std::strin
     _services.userInterface.runModal(
         {strings.stringForKey("FailedConvert"),
          strings.format("FailedConvertInfo", {platform::displayPath(argument)}) + " " +
-             std::generic_category().message(type.error().code)});
+             strings.format("ReasonRead", {std::generic_category().message(type.error().code)})});
 }
 
 std::string pathFromArgument(const std::string& argument) {

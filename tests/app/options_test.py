@@ -117,6 +117,7 @@ class OptionsTest(console_case.ConsoleCase):
                 run = self.convert(name, "a.txt")
                 self.assert_run(run, 1, b"1 converted, 1 failed")
                 self.assertIn(b"A file could not be converted.\n", run.stderr)
+                self.assertIn(b" was not converted. It cannot be read: No", run.stderr)
                 self.assertEqual(self.tree(), {b"a.txt": TEXT.encode(), b"b.txt": SOURCE})
 
     def test_declarations_follow_the_encoding(self):
