@@ -76,7 +76,10 @@ class ProgressLine final : public LoadedInterface,
         _percent = percent;
         draw();
     }
-    void setIndeterminate(bool indeterminate) override { _isIndeterminate = indeterminate; }
+    void setIndeterminate(bool indeterminate) override {
+        _isIndeterminate = indeterminate;
+        draw();
+    }
     void setUsesThreadedAnimation(bool) override {}
     void startAnimation() override {}
     void setEnabled(bool) override {}

@@ -138,8 +138,8 @@ TEST(TerminalUserInterface, DrawsBarCountAndLabelWhileTheWindowIsOpen) {
     userInterface.redraw();
     EXPECT_EQ(terminal.shown(), half);
 
-    bar.setIndeterminate(true);
     interface->staticText("staticLabel").setStringValue("busy");
+    bar.setIndeterminate(true);
     const auto session = userInterface.beginModalSessionForWindow(window);
     EXPECT_EQ(terminal.shown(), eraseLine + "busy") << "the main thread is busy from now on";
     window.close();
