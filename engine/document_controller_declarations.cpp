@@ -4,22 +4,15 @@
 
 #include "engine/settings.h"
 #include "foundation/orv_css.h"
+#include "foundation/orv_ptr.h"
 #include "foundation/orv_string.h"
 #include "markup/html_parser.h"
-
-#include <memory>
 
 namespace zelmora {
 
 using settings::codeForKey;
 
 namespace {
-
-/// Gives up the creation reference of a library object at the scope's end.
-struct OrvReleaser {
-    void operator()(OrvIBase* object) const { OrvRelease(object); }
-};
-using OrvOwned = std::unique_ptr<OrvIBase, OrvReleaser>;
 
 OrvByteOrder byteOrderOfSettings(const platform::UserDefaults& defaults) {
     return defaults.boolForKey(settings::littleEndian) ? OrvByteOrder::littleEndian
@@ -133,7 +126,10 @@ void ZelDocumentController::doConvertProcessCSSElement(std::u16string& text,
 
     const auto encoding = static_cast<int32_t>(target.encoding);
     const auto byteOrder = static_cast<int32_t>(target.byteOrder);
-    const OrvOwned parser(OrvCSSParserCreate(OrvTemporaryStringWithNSString(text)));
+    OrvIBase* sheet = OrvTemporaryStringWithNSString(text);
+    const OrvPtr<> parser(sheet != nullptr ? OrvCSSParserCreate(sheet) : nullptr);
+    if (!parser)
+        return; // no memory: a sheet that was not read must not get a second rule
     int32_t start = 0;
     int32_t length = 0;
     if (OrvIBase* rule = OrvCSSParserFindElement(parser.get(), OrvTemporaryString(L"@charset"), 0,
@@ -146,7 +142,7 @@ void ZelDocumentController::doConvertProcessCSSElement(std::u16string& text,
             text.replace(first, unitOffset(text, first, length) - first, *rendered);
         }
     } else if (inserts) {
-        const OrvOwned made(OrvCSSParserCreateCharsetElement(parser.get(), encoding, byteOrder));
+        const OrvPtr<> made(OrvCSSParserCreateCharsetElement(parser.get(), encoding, byteOrder));
         if (const auto line = made ? renderedText(made.get(), L"\n", lineBreak) : std::nullopt)
             text.insert(0, *line);
     }

@@ -3,7 +3,7 @@
 #include "engine/document_controller.h"
 
 #include "engine/settings.h"
-#include "engine/temporary_objects_scope.h"
+#include "foundation/orv_ptr.h"
 #include "platform/text/file_url.h"
 
 #include <thread>
@@ -131,7 +131,7 @@ bool ZelDocumentController::releaseContents() {
 void ZelDocumentController::conversionThreadProc() {
     bool quitsAutomatically = false;
     {
-        const TemporaryObjectsScope threadScope;
+        const OrvPtr<> threadPool(OrvTemporaryObjectsPoolCreate());
         if (!_shouldTerminateThread)
             quitsAutomatically = convertQueuedFiles();
     }
@@ -152,7 +152,7 @@ bool ZelDocumentController::convertQueuedFiles() {
         const uint64_t wakeupsSeen = _batch->wakeups;
         std::optional<std::string> path;
         {
-            const TemporaryObjectsScope fileScope;
+            const OrvPtr<> filePool(OrvTemporaryObjectsPoolCreate());
             // Nothing is taken before the first wake-up: the batch is still being put together.
             if (wakeupsSeen != 0)
                 path = _fileList->fetchPath();

@@ -2,8 +2,8 @@
 
 #include "engine/document_controller.h"
 #include "engine/settings.h"
-#include "engine/temporary_objects_scope.h"
 #include "engine_fixture.h"
+#include "foundation/orv_ptr.h"
 
 namespace zelmora::test {
 namespace {
@@ -24,7 +24,7 @@ class DeclarationsTest : public EngineTest {
     }
 
     const OrvEncodingInfo source{.encoding = OrvEncoding::eucjp};
-    TemporaryObjectsScope scope;
+    OrvPtr<> pool{OrvTemporaryObjectsPoolCreate()};
     ZelDocumentController controller{services()};
 };
 

@@ -25,16 +25,8 @@ const std::string setLine = "The dictionary could not insert the value.";
 const std::string nullValueLine = "Attempt to insert NULL value into the dictionary.";
 constexpr const wchar_t* longText = L"longer than a string holds without the heap";
 
-template<typename Base>
-class WithFailingAllocations : public Base {
-    void SetUp() override {
-        if (!FailingAllocation::isSupported())
-            GTEST_SKIP() << "operator new cannot be replaced in this build";
-    }
-};
-
-class AllocationTest : public WithFailingAllocations<FoundationTest> {};
-class AllocationScriptTest : public WithFailingAllocations<testing::Test> {};
+class AllocationTest : public FoundationTest {};
+class AllocationScriptTest : public testing::Test {};
 
 /// The lines that `work` writes while the `number`th allocation fails, and whether there was one.
 template<typename Work>

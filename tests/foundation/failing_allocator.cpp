@@ -17,27 +17,25 @@ void* allocate(std::size_t size) noexcept {
 
 } // namespace
 
-// Weak, because the sanitizers of clang bring operators of their own that cannot be replaced.
-
-[[gnu::weak]] void* operator new(std::size_t size) {
+void* operator new(std::size_t size) {
     if (void* memory = allocate(size))
         return memory;
     throw std::bad_alloc();
 }
 
-[[gnu::weak]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return allocate(size);
 }
 
-[[gnu::weak]] void operator delete(void* memory) noexcept {
+void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-[[gnu::weak]] void operator delete(void* memory, std::size_t) noexcept {
+void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
-[[gnu::weak]] void operator delete(void* memory, const std::nothrow_t&) noexcept {
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 
@@ -49,13 +47,6 @@ FailingAllocation::FailingAllocation(int number) {
 
 FailingAllocation::~FailingAllocation() {
     allocationsToFailure = 0;
-}
-
-bool FailingAllocation::isSupported() {
-    const FailingAllocation failing(1);
-    void* memory = ::operator new(1, std::nothrow);
-    ::operator delete(memory);
-    return !memory;
 }
 
 bool FailingAllocation::hasFailed() const {

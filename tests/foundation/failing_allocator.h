@@ -11,9 +11,6 @@ class FailingAllocation {
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-    /// Whether this build lets the test program replace operator new.
-    [[nodiscard]] static bool isSupported();
-
     /// Whether an allocation has failed.
     [[nodiscard]] bool hasFailed() const;
 };
