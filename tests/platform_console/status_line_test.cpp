@@ -146,23 +146,5 @@ TEST(TerminalUserInterface, DrawsBarCountAndLabelWhileTheWindowIsOpen) {
     EXPECT_EQ(terminal.shown(), eraseLine);
 }
 
-TEST(TerminalUserInterface, DrawsNoProgressButOnATerminal) {
-    std::array<int, 2> pipeEnds{};
-    ASSERT_EQ(pipe(pipeEnds.data()), 0);
-    TerminalUserInterface userInterface(pipeEnds[1], [] {});
-    const auto interface = userInterface.loadInterface("Progress");
-    interface->window().show();
-    interface->progressIndicator("progressBar").setDoubleValue(50);
-    const auto session = userInterface.beginModalSessionForWindow(interface->window());
-    userInterface.runModal({"one", "two"});
-    userInterface.redraw();
-    interface->window().close();
-    close(pipeEnds[1]);
-    std::array<char, 100> buffer{};
-    const auto count = read(pipeEnds[0], buffer.data(), buffer.size());
-    close(pipeEnds[0]);
-    EXPECT_EQ(std::string(buffer.data(), static_cast<size_t>(count)), "one\ntwo\n");
-}
-
 } // namespace
 } // namespace zelmora::platform

@@ -37,9 +37,5 @@ TEST(NotificationCenter, LetsAHandlerAddAndRemoveObservers) {
     EXPECT_EQ(heard, "12");
 }
 
-TEST(NotificationCenter, IsOneForTheProcess) {
-    EXPECT_EQ(&NotificationCenter::defaultCenter(), &NotificationCenter::defaultCenter());
-}
-
 } // namespace
 } // namespace zelmora::platform
