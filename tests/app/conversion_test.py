@@ -121,6 +121,15 @@ class ConversionTest(console_case.ConsoleCase):
             found = [line for line in lines if line.startswith(self.path(name) + b" was not converted. ")]
             self.assertEqual([reason in line for line in found], [True], (name, found))
 
+    def test_a_vanished_file_fails_and_a_taken_name_is_left_alone(self):
+        for name in (b"a.txt", b"b.txt", b"b.md"):
+            self.write(name, SOURCE)
+        run = self.convert("--set", "convertExtension=1", "--set", "extensionOfDstFiles=md",
+                           "a.txt", "a.txt", "b.txt")  # a.txt has gone when it is its turn again
+        self.assert_run(run, 1, b"2 converted, 1 failed")
+        self.assertIn(b"a.txt was not converted. It cannot be read: No such file", run.stderr)
+        self.assertEqual(self.tree(), {b"a.md": CONVERTED, b"b.md": SOURCE, b"b#0.md": CONVERTED})
+
     def test_zero_bytes_read_as_the_widest_encoding(self):
         for count in range(1, 9):
             self.write(b"%d.txt" % count, b"\0" * count)
