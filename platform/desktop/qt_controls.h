@@ -26,6 +26,8 @@ class QtWindow final : public Window {
     /// On the screen's part that no panel covers.
     void center() override;
     void close() override { _widget.hide(); }
+    /// The window itself, as the parent of sheets.
+    [[nodiscard]] QWidget& widget() { return _widget; }
 
   private:
     QWidget& _widget;
