@@ -216,8 +216,8 @@ TEST_F(JobTest, NoWakeUpIsLostInTenThousandRounds) {
     EXPECT_EQ(controller->failedCount(), 10'000U);
 }
 
-TEST_F(JobTest, NoEndIsLostInAThousandStarts) {
-    for (int round = 0; round < 1000; ++round) {
+TEST_F(JobTest, NoEndIsLostInTenThousandStarts) {
+    for (int round = 0; round < 10'000; ++round) {
         start();
         if (round % 2 == 0) {
             controller->openDocumentWithContentsOfFile(folder / "none.txt");
