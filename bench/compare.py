@@ -7,6 +7,7 @@ the large work costs over one of the small.
 """
 
 import argparse
+import dataclasses
 import datetime
 import json
 import os
@@ -16,6 +17,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 import micro
 from contest import Contender, peak_memory, times
@@ -32,7 +34,7 @@ class Sizes:
     """How much work there is: a full run, or a quick one that only tells whether all is well."""
 
     def __init__(self, quick, gigabyte):
-        self.runs = 5
+        self.runs = 3 if quick else 5
         self.large = (8 if quick else 64) * MIB
         self.small_files = 300 if quick else 3_000
         self.grown = (16 if quick else 1024 if gigabyte else 256) * MIB
@@ -61,19 +63,15 @@ class Comparison:
             str(path),
         ]
 
-    def _settle(self):
-        """What one contender left in the cache must not be written out on the next one's time."""
-        if self._where == "disk":
-            os.sync()
-
     def _copy_source(self):
         shutil.copyfile(self._source, self._work)
-        self._settle()
+        # The copy must not be written out on the contender's time.
+        with open(self._work, "rb") as file:
+            os.fsync(file)
 
     def _remove_output(self):
         self._out.unlink(missing_ok=True)
         shutil.rmtree(self._tree_out, ignore_errors=True)
-        self._settle()
 
     def _converting(self, text, target):
         """Ours on a fresh copy of the source."""
@@ -116,7 +114,7 @@ class Comparison:
 
     def _memory(self, group, text, contenders):
         peaks = {name: peak_memory(each) for name, each in contenders.items()}
-        output = self._out.stat().st_size
+        output = text.result_size("UTF-8")
         limit = self._source.stat().st_size + 2 * text.units() + output + MEMORY_MARGIN
         yield Row.memory(group, "peak memory", peaks["ours"], limit)
         for peer in ("nkf", "iconv", "uconv", "cp"):
@@ -138,7 +136,7 @@ class Comparison:
             yield Row.faster(group, work, "iconv", median["ours"], median["iconv"], 4)
 
     def guessing(self):
-        """Detection by command. Answers the bytes per second that nkf guesses from, too."""
+        """Detection by command, as a row, and the bytes per second that nkf guesses from."""
         LargeText(self._sizes.large, "Shift_JIS").write(self._source)
         contenders = {
             "ours": Contender([self._convert, "--detect", str(self._source)], lambda: None),
@@ -158,7 +156,8 @@ class Comparison:
         def copy_tree():
             shutil.rmtree(self._tree_work, ignore_errors=True)
             subprocess.run(["cp", "-r", self._tree, self._tree_work], check=True)
-            self._settle()
+            if self._where == "disk":
+                os.sync()
 
         contenders = {
             "ours": Contender(
@@ -244,28 +243,56 @@ class Comparison:
         yield Row.growth("growth", work, median[small] / small, median[large] / large, goal)
 
 
-def macro_rows(ram, disk):
-    yield from ram.large_file(with_memory=True)
-    yield from ram.other_encodings()
-    yield from ram.small_files()
-    yield from ram.tiny_file()
-    yield from disk.large_file(with_memory=False)
-    yield from disk.small_files()
-    yield from disk.tiny_file()
-    yield from ram.growth_with_size()
-    yield from ram.growth_with_count()
+@dataclasses.dataclass
+class Run:
+    ram: Comparison
+    disk: Comparison
+    programs: pathlib.Path
+    quick: bool
 
 
-def micro_rows(programs, quick, guessing_speed):
-    yield from micro.codec_rows(programs, quick)
-    yield from micro.text_rows(programs, quick, guessing_speed)
-    yield from micro.markup_rows(programs, quick)
-    yield from micro.foundation_rows(programs, quick)
+def large_rows(run):
+    yield from run.ram.large_file(with_memory=True)
+    yield from run.ram.other_encodings()
+    yield from run.disk.large_file(with_memory=False)
+
+
+def small_rows(run):
+    for each in (run.ram, run.disk):
+        yield from each.small_files()
+        yield from each.tiny_file()
+
+
+def growth_rows(run):
+    yield from run.ram.growth_with_size()
+    yield from run.ram.growth_with_count()
+
+
+def text_rows(run):
+    guess, guessing_speed = run.ram.guessing()
+    yield guess
+    yield from micro.text_rows(run.programs, run.quick, guessing_speed)
+
+
+PARTS = {
+    "large": large_rows,
+    "small": small_rows,
+    "growth": growth_rows,
+    "codecs": lambda run: micro.codec_rows(run.programs, run.quick),
+    "text": text_rows,
+    "markup": lambda run: micro.markup_rows(run.programs, run.quick),
+    "foundation": lambda run: micro.foundation_rows(run.programs, run.quick),
+}
 
 
 def progress(rows):
+    """Passes the rows on and says on stderr what they are about."""
+    start = time.monotonic()
+    group = None
     for row in rows:
-        print(f"bench: {row.group}: {row.work}", file=sys.stderr)
+        if row.group != group:
+            group = row.group
+            print(f"bench: {time.monotonic() - start:4.0f} s: {group}", file=sys.stderr)
         yield row
 
 
@@ -282,8 +309,11 @@ def machine():
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("build", type=pathlib.Path, help="the build folder, on the disk to measure")
-    parser.add_argument("--quick", action="store_true", help="small sizes, under a minute")
+    parser.add_argument("--quick", action="store_true", help="small sizes, fewer runs")
     parser.add_argument("--gigabyte", action="store_true", help="growth up to 1 GB, not 256 MB")
+    parser.add_argument(
+        "--part", action="append", choices=PARTS, help="only this part; may be given again"
+    )
     options = parser.parse_args()
     programs = options.build.resolve() / "bin"
     sizes = Sizes(options.quick, options.gigabyte)
@@ -297,13 +327,12 @@ def main():
         os.environ["XDG_CONFIG_HOME"] = ram_folder
         ram = Comparison(programs, sizes, pathlib.Path(ram_folder), "RAM")
         disk = Comparison(programs, sizes, pathlib.Path(disk_folder), "disk")
-        rows = list(progress(macro_rows(ram, disk)))
-        guess, guessing_speed = ram.guessing()
-        rows.append(guess)
-        rows += progress(micro_rows(programs, options.quick, guessing_speed))
+        run = Run(ram, disk, programs, options.quick)
+        parts = options.part or PARTS
+        rows = list(progress(row for part in parts for row in PARTS[part](run)))
     load.append(os.getloadavg()[0])
     result = options.build / "bench.json"
-    report = machine() | {"quick": options.quick, "load": load}
+    report = machine() | {"quick": options.quick, "parts": [*parts], "load": load}
     report["rows"] = [row.as_json() for row in rows]
     result.write_text(json.dumps(report, indent=1) + "\n", encoding="utf-8")
     print(table(rows))

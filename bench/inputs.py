@@ -71,9 +71,15 @@ class LargeText:
             for _ in range(self._count):
                 file.write(block)
 
+    def _result_block(self, encoding):
+        return self._block.replace("\r\n", "\n").encode(CODECS[encoding][0])
+
+    def result_size(self, encoding):
+        return len(self._result_block(encoding)) * self._count
+
     def is_result(self, path, encoding):
         """Whether the file holds the text in `encoding`, with LF."""
-        block = self._block.replace("\r\n", "\n").encode(CODECS[encoding][0])
+        block = self._result_block(encoding)
         with open(path, "rb") as file:
             return all(file.read(len(block)) == block for _ in range(self._count)) and (
                 not file.read(1)
