@@ -22,7 +22,6 @@ class ConsoleCase(unittest.TestCase):
     def setUp(self):
         self.top = os.fsencode(tempfile.mkdtemp(prefix="zelmora-", dir=self.scratch))
         self.addCleanup(shutil.rmtree, self.top)
-        os.chmod(self.top, 0o755)  # some programs are run as somebody else
         self.folder = self.path_of_top(b"files")
         self.home = self.path_of_top(b"home")
         self.saved_settings = os.path.join(self.home, b"config/zelmora/zelmora.plist")
