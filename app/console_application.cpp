@@ -3,12 +3,12 @@
 #include "app/console_conversion.h"
 #include "app/console_options.h"
 #include "app/detect_report.h"
+#include "app/path_argument.h"
+#include "app/saved_settings_path.h"
 #include "engine/settings.h"
 #include "engine/target_files.h"
-#include "platform/text/path_string.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <unistd.h>
 #include <utility>
 
@@ -17,16 +17,6 @@ namespace zelmora {
 namespace {
 
 constexpr std::string_view programName = "zelmora-convert";
-
-/// $XDG_CONFIG_HOME/zelmora/zelmora.plist; that folder's default is ~/.config, also when the
-/// variable holds a relative path, which is to be ignored.
-std::string savedSettingsPath() {
-    const char* variable = std::getenv("XDG_CONFIG_HOME");
-    const std::string folder = variable != nullptr && variable[0] == '/'
-                                   ? std::string(variable)
-                                   : platform::expandingTilde("~/.config");
-    return platform::appendingPathComponent(folder, "zelmora/zelmora.plist");
-}
 
 platform::LocalizedStrings stringsOf(const platform::Bundle& bundle, platform::FileManager& files) {
     auto strings = bundle.localizedStrings(files, platform::preferredLanguage());

@@ -1,14 +1,11 @@
 #include "app/console_conversion.h"
 
+#include "app/path_argument.h"
 #include "engine/document_controller.h"
 #include "foundation/orv_base.h"
 #include "platform/events/notification_center.h"
-#include "platform/text/path_string.h"
 #include "platform/text/utf8.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <system_error>
 
 namespace zelmora {
@@ -58,26 +55,6 @@ void ConsoleConversion::open(ZelDocumentController& controller, const std::strin
         {strings.stringForKey("FailedConvert"),
          strings.format("FailedConvertInfo", {platform::displayPath(argument)}) + " " +
              strings.format("ReasonRead", {std::generic_category().message(type.error().code)})});
-}
-
-std::string pathFromArgument(const std::string& argument) {
-    if (argument.empty())
-        return {};
-    const auto absolute = platform::absolutePath(argument);
-    if ((absolute + "/").find("/../") != std::string::npos) {
-        const std::unique_ptr<char, decltype(&std::free)> resolved(
-            realpath(absolute.c_str(), nullptr), &std::free);
-        return resolved ? std::string(resolved.get()) : absolute;
-    }
-    std::string path;
-    for (size_t start = 0; start < absolute.size();) {
-        const auto end = std::min(absolute.find('/', start), absolute.size());
-        const auto component = std::string_view(absolute).substr(start, end - start);
-        if (!component.empty() && component != ".")
-            path.append("/").append(component);
-        start = end + 1;
-    }
-    return path.empty() ? "/" : path;
 }
 
 } // namespace zelmora

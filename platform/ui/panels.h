@@ -16,13 +16,13 @@ struct OpenPanel {
     bool canChooseFiles = true;
     bool canChooseDirectories = false;
     bool allowsMultipleSelection = false;
-    std::string directoryPath; ///< where it begins; empty: the home folder
+    std::string directoryPath{}; ///< where it begins; empty: the home folder
 };
 
 /// A panel for the place of a file that is to be written.
 struct SavePanel {
-    std::string directoryPath; ///< where it begins; empty: the home folder
-    std::string name;          ///< offered as the file's name
+    std::string directoryPath{}; ///< where it begins; empty: the home folder
+    std::string name{};          ///< offered as the file's name
 };
 
 /// A message with buttons to choose from.

@@ -1,6 +1,6 @@
 // How the paths of a command line become those that the engine takes.
 
-#include "app/console_conversion.h"
+#include "app/path_argument.h"
 #include "tests/support/temporary_directory.h"
 
 #include <filesystem>
