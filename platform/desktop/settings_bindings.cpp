@@ -2,6 +2,7 @@
 
 #include <QButtonGroup>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QRegularExpressionValidator>
 
 namespace zelmora::platform {
@@ -106,7 +107,9 @@ void SettingsBindings::commit(QLineEdit& edit, const std::string& key) {
     if (!edit.isModified() || !edit.hasAcceptableInput())
         return;
     edit.setModified(false);
-    _defaults.setObject(edit.text().toStdString(), key);
+    // Pasted, and nothing that the saved file could hold.
+    static const QRegularExpression unstorable("[\\x00-\\x1F\\x{FFFE}\\x{FFFF}]");
+    _defaults.setObject(edit.text().remove(unstorable).toStdString(), key);
 }
 
 void SettingsBindings::keepUpToDate(const std::string& key, const std::function<void()>& update) {
