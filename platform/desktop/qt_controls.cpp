@@ -5,6 +5,7 @@
 #include <QSignalBlocker>
 #include <QStandardItemModel>
 #include <algorithm>
+#include <utility>
 
 namespace zelmora::platform {
 
@@ -99,20 +100,19 @@ void QtEditableList::remove() {
 }
 
 void QtEditableList::commit(QListWidgetItem& item) {
-    const std::string text = item.text().toStdString();
-    if (&item == _newItem) {
-        _newItem = nullptr;
-        if (_actions.added)
-            _actions.added(text);
-    } else if (_actions.edited) {
-        _actions.edited(static_cast<size_t>(_list.row(&item)), text);
-    }
+    if (&item != _newItem && _actions.edited)
+        _actions.edited(static_cast<size_t>(_list.row(&item)), item.text().toStdString());
 }
 
 void QtEditableList::endAdding() {
-    // Nothing was typed, or the edit was given up: commit() has not seen the row.
+    if (!_newItem)
+        return;
+    // Told of here and not in commit(), for the row can go only once its editor is closed.
+    const std::string text = _newItem->text().toStdString();
     delete std::exchange(_newItem, nullptr);
-    enableButtons();
+    if (!text.empty() && _actions.added)
+        _actions.added(text);
+    _list.setCurrentRow(_list.count() - 1);
 }
 
 void QtEditableList::enableButtons() {

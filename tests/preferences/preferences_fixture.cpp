@@ -1,0 +1,83 @@
+#include "preferences_fixture.h"
+
+#include "engine/settings.h"
+
+#include <QApplication>
+#include <QLineEdit>
+
+namespace zelmora::test {
+
+namespace {
+
+/// Qt's application, made on first use: one for all tests.
+void needApplication() {
+    static const bool isOffscreen = qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argumentCount = 1;
+    static char name[] = "preferences_tests";
+    static char* arguments[] = {name, nullptr};
+    static const QApplication application(argumentCount, arguments);
+    ASSERT_TRUE(isOffscreen);
+}
+
+} // namespace
+
+std::vector<std::string> AnsweringPanels::runOpenPanel(const platform::OpenPanel& panel,
+                                                       platform::Window* sheetParent) {
+    lastOpenPanel = panel;
+    lastSheetParent = sheetParent;
+    return answer ? std::vector{*answer} : std::vector<std::string>();
+}
+
+std::optional<std::string> AnsweringPanels::runSavePanel(const platform::SavePanel& panel,
+                                                         platform::Window* sheetParent) {
+    lastSavePanel = panel;
+    lastSheetParent = sheetParent;
+    return answer;
+}
+
+PreferencesTest::PreferencesTest() : defaults(settings::allKeys()) {
+    needApplication();
+    const platform::Bundle bundle(ZELMORA_RESOURCES);
+    settings::registerDefaults(defaults, files, bundle);
+    strings = bundle.localizedStrings(files, "en").value();
+    EXPECT_TRUE(defaults.load(files, folder / "saved.plist").empty());
+    open();
+}
+
+void PreferencesTest::open() {
+    close();
+    const auto loadForm = [this](std::string_view name) -> std::unique_ptr<platform::LoadedForm> {
+        const auto path = platform::Bundle(ZELMORA_RESOURCES).pathForResource(name, "ui");
+        auto form = platform::QtInterface::load(files, path, defaults);
+        window = &form.value()->widget();
+        return std::move(form.value());
+    };
+    controller = std::make_unique<ZelPrefWndController>(
+        PreferencesServices{defaults, files, strings, userInterface, panels, loadForm});
+    controller->showWindow();
+}
+
+std::unique_ptr<platform::UserDefaults> PreferencesTest::savedDefaults() {
+    auto other = std::make_unique<platform::UserDefaults>(settings::allKeys());
+    EXPECT_TRUE(other->load(files, folder / "saved.plist").empty());
+    return other;
+}
+
+std::string PreferencesTest::enabledOf(const std::vector<const char*>& names) {
+    std::string enabled;
+    for (const char* name : names) {
+        if (isEnabled(name))
+            enabled.append(enabled.empty() ? "" : " ").append(name);
+    }
+    return enabled;
+}
+
+void PreferencesTest::type(const char* name, const QString& text) {
+    auto& edit = find<QLineEdit>(name);
+    edit.clear();
+    edit.insert(text);
+    edit.setModified(true);
+    Q_EMIT edit.editingFinished();
+}
+
+} // namespace zelmora::test
