@@ -16,12 +16,12 @@ constexpr int64_t kActionSet = 1;
 
 } // namespace
 
-std::unique_ptr<ZelPrefWndController> ZelPrefWndController::_shared;
+ZelPrefWndController* ZelPrefWndController::_shared = nullptr;
 
 ZelPrefWndController&
 ZelPrefWndController::sharedPrefWndController(const PreferencesServices& services) {
     if (!_shared) {
-        _shared = std::make_unique<ZelPrefWndController>(services);
+        _shared = new ZelPrefWndController(services);
         _shared->registerNotificationObserver();
     }
     return *_shared;
@@ -98,7 +98,7 @@ void ZelPrefWndController::registerNotificationObserver() {
 }
 
 void ZelPrefWndController::applicationWillTerminate() {
-    _shared.reset();
+    delete std::exchange(_shared, nullptr);
 }
 
 void ZelPrefWndController::observeValueForKeyPath(std::string_view keyPath, const void* context) {

@@ -119,7 +119,9 @@ class ZelPrefWndController : public ValueObserver {
     void editExtension(std::string_view modelKey, size_t row, const std::string& text);
     void removeExtension(std::string_view modelKey, size_t row);
 
-    static std::unique_ptr<ZelPrefWndController> _shared;
+    /// Owned until the application terminates; where it ends otherwise, left alone, for its
+    /// services are gone by the time static objects go.
+    static ZelPrefWndController* _shared;
 
     PreferencesServices _services;
     std::unique_ptr<platform::LoadedForm> _form;

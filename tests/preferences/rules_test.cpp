@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QStandardItemModel>
 #include <cerrno>
 #include <set>
@@ -48,6 +49,20 @@ TEST_F(PreferencesTest, ReachesEverySetting) {
     for (auto* widget : window->findChildren<QWidget*>())
         missing.erase(widget->property("settingsKey").toString().toStdString());
     EXPECT_EQ(missing, std::set<std::string>());
+}
+
+TEST_F(PreferencesTest, SpeaksBothLanguages) {
+    const platform::Bundle bundle(ZELMORA_RESOURCES);
+    const QString form =
+        QString::fromStdString(readFile(bundle.pathForResource("Preferences", "ui")));
+    static const QRegularExpression text("<string>(.*?)</string>");
+    for (const char* language : {"en", "ja"}) {
+        const auto table = bundle.localizedStrings(files, language);
+        ASSERT_TRUE(table.ok()) << table.error().message;
+        for (const auto& match : text.globalMatch(form))
+            EXPECT_TRUE(table->table().contains(match.captured(1).toStdString()))
+                << language << ": " << match.captured(1).toStdString();
+    }
 }
 
 TEST_F(PreferencesTest, ShowsAndWritesEachCheckBox) {
