@@ -175,8 +175,12 @@ bool ZelDocumentController::convertQueuedFiles() {
 
 void ZelDocumentController::finishBatch(uint64_t wakeupsSeen) const {
     _services.mainLoop.mainQueue().async([window = std::weak_ptr(_progressWindow),
+                                          list = std::weak_ptr(_fileList),
                                           batch = std::weak_ptr(_batch), wakeupsSeen] {
-        if (const auto openWindow = window.lock())
+        const auto openWindow = window.lock();
+        const auto fileList = list.lock();
+        // With paths that were added meanwhile it is the window of the batch to come.
+        if (openWindow && fileList && fileList->count() == 0)
             openWindow->close();
         const auto current = batch.lock();
         // Over, and not told yet: a worker that went round once more for nothing says it twice.

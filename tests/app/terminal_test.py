@@ -74,13 +74,14 @@ class TerminalTest(console_case.ConsoleCase):
         return terminal
 
     def start_with_large_file_in_hand(self, *arguments):
-        """Converts a.txt, which takes a while, then b.txt and c.txt; stays until a.txt is read."""
+        """Converts a.txt, which takes a while, then b.txt and c.txt; stays until a.txt is in hand."""
         large = LARGE.encode("cp932")
         self.write(b"a.txt", large)
         self.write(b"b.txt", SOURCE)
         self.write(b"c.txt", SOURCE)
         terminal = self.start("--katakana", *arguments, "a.txt", "b.txt", "c.txt")
         self.assertTrue(terminal.wait_until(lambda: terminal.bytes_read() > len(large)))
+        self.assertTrue(terminal.wait_until(lambda: b"] 33% Files remaining: 2" in terminal.shown), terminal.shown)
         return terminal
 
     def assert_only_file_in_hand_is_converted(self):
