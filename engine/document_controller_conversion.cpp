@@ -7,6 +7,7 @@
 #include "platform/text/utf8.h"
 #include "textutil/text_utility.h"
 
+#include <cerrno>
 #include <system_error>
 
 namespace zelmora {
@@ -40,7 +41,10 @@ ZelDocumentController::convertFile(const std::string& srcPath) const {
 
     auto source = _services.files.contentsAtPath(srcPath);
     if (!source.ok()) {
-        conversion.failure = reason("ReasonRead", source.error());
+        // The file manager's word for a FIFO, a socket or a device, which it does not open.
+        conversion.failure = source.error().code == EINVAL
+                                 ? _services.strings.stringForKey("ReasonNoFile")
+                                 : reason("ReasonRead", source.error());
         return conversion;
     }
     conversion.srcEncodingInfo = textUtility->encodingInfoOfTextData(*source);

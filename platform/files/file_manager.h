@@ -124,10 +124,10 @@ class FileManager {
     /// attributes where the process may set them. `toPath` must be free (EEXIST) and must not lie
     /// inside the folder being copied (EINVAL). The copy is made under a scratch name beside
     /// `toPath` and takes that name when it is complete and on disk, so a copy that failed half-way
-    /// never looks whole; on failure the scratch copy is deleted. What is neither file, folder nor
-    /// link (FIFO, socket, device) fails the copy (EINVAL). A file that grows meanwhile is copied
-    /// up to its first length; one that shrinks fails the copy (EAGAIN). The error names the item
-    /// that failed.
+    /// never looks whole; on failure the scratch copy is deleted. A FIFO, socket or device is made
+    /// anew, never opened; for a device that takes the superuser (EPERM). A file that grows
+    /// meanwhile is copied up to its first length; one that shrinks fails the copy (EAGAIN). The
+    /// error names the item that failed.
     virtual Status copyItemAtPath(const std::string& path, const std::string& toPath) = 0;
 };
 

@@ -100,6 +100,16 @@ int copyLink(int folder, const char* name, int copyFolder, const char* copyName)
     return copyLinkAttributes(status, copyFolder, copyName);
 }
 
+/// Makes a FIFO, socket or device like `name`: it holds nothing to read, and nothing is opened.
+int copyNode(int folder, const char* name, int copyFolder, const char* copyName) {
+    struct stat status = {};
+    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+        ::mknodat(copyFolder, copyName, status.st_mode, status.st_rdev) != 0 ||
+        ::fchmodat(copyFolder, copyName, status.st_mode & ~static_cast<mode_t>(S_IFMT), 0) != 0)
+        return errno;
+    return copyLinkAttributes(status, copyFolder, copyName);
+}
+
 int makeCopyFolder(int in, const char* name, FileDescriptor& folder) {
     if (::mkdirat(in, name, S_IRWXU) != 0) {
         return errno;
@@ -162,7 +172,7 @@ int FolderCopy::copyEntry() {
     case FileType::directory:
         return enterFolder();
     case FileType::other:
-        break;
+        return copyNode(_walk.folder(), _walk.name(), _copies.top(), _walk.name());
     }
     return EINVAL;
 }
@@ -229,10 +239,11 @@ int copySingleFile(const Location& source, const Location& target) {
     });
 }
 
-int copySingleLink(const Location& source, const Location& target) {
+/// A link, or what copyNode copies.
+int copySingleItem(decltype(copyLink) copy, const Location& source, const Location& target) {
     ScratchItem scratch(target);
     const int code = scratch.make([&](int folder, const char* name) {
-        return copyLink(source.folder(), source.name(), folder, name);
+        return copy(source.folder(), source.name(), folder, name);
     });
     return code != 0 ? code : scratch.takeTargetName();
 }
@@ -269,11 +280,11 @@ int copyItem(const Location& source, const Location& target, std::string& failed
     case FileType::regular:
         return copySingleFile(source, target);
     case FileType::symbolicLink:
-        return copySingleLink(source, target);
+        return copySingleItem(copyLink, source, target);
     case FileType::directory:
         return copyFolder(status, source, target, failedAt);
     case FileType::other:
-        break;
+        return copySingleItem(copyNode, source, target);
     }
     return EINVAL;
 }

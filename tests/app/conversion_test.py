@@ -119,11 +119,11 @@ class ConversionTest(console_case.ConsoleCase):
         self.assertEqual(sorted(os.listdir(self.folder)), names)
         lines = run.stderr.splitlines()
         self.assertEqual(lines[:-1:2], [b"A file could not be converted."] * 7)
-        for name, reason in [(b"bad.txt", b"Its bytes are not valid "), (b"fifo.txt", b"It cannot be read: "),
+        for name, reason in [(b"bad.txt", b"Its bytes are not valid "), (b"fifo.txt", b"It is not a file that holds text."),
                              (b"esc\\x1B[31m\\n\\xFF.txt", b"Its bytes are not valid "),
                              (b"loop.txt", b"It cannot be read: Too many levels of symbolic links"),
                              (b"dangling.txt", b"It cannot be read: No such file"),
-                             (b"socket.txt", b"It cannot be read: "),
+                             (b"socket.txt", b"It is not a file that holds text."),
                              (b"\\xFF" * 251 + b".txt", b"cannot be written: File name too long")]:
             found = [line for line in lines if line.startswith(self.path(name) + b" was not converted. ")]
             self.assertEqual([reason in line for line in found], [True], (name, found))

@@ -97,7 +97,7 @@ TEST_F(ConversionTest, FileThatCannotBeConvertedIsReportedAndLeft) {
     EXPECT_EQ(alertTexts(),
               (Items{alertOf(bad, "Its bytes are not valid Shift_JIS."),
                      alertOf(folder / "none.txt", "It cannot be read: No such file or directory."),
-                     alertOf(folder / "fifo.txt", "It cannot be read: Invalid argument."),
+                     alertOf(folder / "fifo.txt", "It is not a file that holds text."),
                      alertOf(folder / "folder.txt", "It cannot be read: Is a directory.")}));
     EXPECT_EQ(readFile(bad), "\x81\x40 \x81");
     EXPECT_EQ(controller.failedCount(), 4U);
