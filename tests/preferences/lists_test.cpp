@@ -129,9 +129,9 @@ TEST_F(ListsTest, IsReadOnceAndWrittenThroughItsElements) {
     auto fewer = std::make_shared<ObservableArray>(array->begin(), array->begin() + 1);
     controller->setHtmlExtensionArray(fewer);
     EXPECT_EQ(extensions(defaults, settings::htmlExtensionArray), "xht ");
-    array->at(1)->setObject(std::string("gone"), kNameExtension); // no longer observed
-    EXPECT_EQ(extensions(defaults, settings::htmlExtensionArray), "xht ");
-    KVOUtility::removeValueObserver(*controller, *array, kNameExtension); // not registered with [1]
+    EXPECT_FALSE(array->at(1)->removeObserver(*controller, kNameExtension)); // observed no longer
+    KVOUtility::removeValueObserver(*controller, *array, kNameExtension);    // [0] is, [1] is not
+    EXPECT_FALSE(array->at(0)->removeObserver(*controller, kNameExtension));
     controller->setHtmlExtensionArray(nullptr);
     EXPECT_EQ(extensions(defaults, settings::htmlExtensionArray), "htm html xhtml "); // registered
 }

@@ -9,15 +9,23 @@ namespace zelmora::test {
 
 namespace {
 
-/// Qt's application, made on first use: one for all tests.
-void needApplication() {
-    static const bool isOffscreen = qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argumentCount = 1;
-    static char name[] = "preferences_tests";
-    static char* arguments[] = {name, nullptr};
-    static const QApplication application(argumentCount, arguments);
-    ASSERT_TRUE(isOffscreen);
-}
+/// Qt's application: one for all tests, which must be gone before Qt's static objects are.
+class ApplicationEnvironment final : public ::testing::Environment {
+  public:
+    void SetUp() override {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        _application = std::make_unique<QApplication>(_argumentCount, _arguments);
+    }
+    void TearDown() override { _application.reset(); }
+
+  private:
+    char _name[18] = "preferences_tests";
+    char* _arguments[2] = {_name, nullptr};
+    int _argumentCount = 1;
+    std::unique_ptr<QApplication> _application;
+};
+
+const auto* const environment = ::testing::AddGlobalTestEnvironment(new ApplicationEnvironment);
 
 } // namespace
 
@@ -36,7 +44,6 @@ std::optional<std::string> AnsweringPanels::runSavePanel(const platform::SavePan
 }
 
 PreferencesTest::PreferencesTest() : defaults(settings::allKeys()) {
-    needApplication();
     const platform::Bundle bundle(ZELMORA_RESOURCES);
     settings::registerDefaults(defaults, files, bundle);
     strings = bundle.localizedStrings(files, "en").value();

@@ -164,6 +164,8 @@ TEST_F(PreferencesTest, ActionsEnableWhatTheyUse) {
 
 TEST_F(PreferencesTest, WritesATextWhenItIsFinished) {
     defaults.setInteger(1, settings::actionForCreator);
+    Q_EMIT find<QLineEdit>("editBackup").editingFinished(); // visited only
+    EXPECT_EQ(savedDefaults()->stringForKey(settings::backupDataDir), std::nullopt);
     auto& edit = find<QLineEdit>("editCreatorCode");
     edit.insert("ttx");
     edit.setModified(true);
