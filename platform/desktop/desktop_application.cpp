@@ -26,13 +26,14 @@ void DesktopApplication::installStrings(const LocalizedStrings& strings,
 }
 
 int DesktopApplication::run(const std::vector<std::string>& paths) {
-    _isTerminated = false;
     _delegate->applicationWillFinishLaunching();
     if (paths.empty())
         _delegate->applicationOpenUntitledFile();
     else
         _delegate->applicationOpenFiles(paths);
-    return _runLoop.run();
+    const int status = _runLoop.run();
+    _isTerminated = false;
+    return status;
 }
 
 void DesktopApplication::terminate() {

@@ -23,15 +23,14 @@ void DesktopRunLoop::stop(int status) {
 }
 
 void DesktopRunLoop::wakeUp() {
-    if (!_isAwake.exchange(true))
-        QCoreApplication::postEvent(&_receiver, new QEvent(QEvent::User));
+    // One event for each block, though the first to arrive runs them all: when a block opens a
+    // window with a loop of its own, those behind it need an event that is still to come.
+    QCoreApplication::postEvent(&_receiver, new QEvent(QEvent::User));
 }
 
 bool DesktopRunLoop::Receiver::event(QEvent* event) {
     if (event->type() != QEvent::User)
         return QObject::event(event);
-    // Before the queue is emptied: what is added from now on posts an event of its own.
-    _loop._isAwake = false;
     _loop.mainQueue().drain();
     return true;
 }

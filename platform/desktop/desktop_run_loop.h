@@ -4,7 +4,6 @@
 #include "platform/events/run_loop.h"
 
 #include <QObject>
-#include <atomic>
 
 namespace zelmora::platform {
 
@@ -34,7 +33,6 @@ class DesktopRunLoop final : public RunLoop {
     };
 
     Receiver _receiver{*this};
-    std::atomic<bool> _isAwake = false; ///< an event is posted and has not arrived yet
 };
 
 } // namespace zelmora::platform

@@ -1,0 +1,95 @@
+#include "app/app_controller.h"
+
+#include "engine/settings.h"
+#include "foundation/orv_base.h"
+
+#include <utility>
+
+namespace zelmora {
+
+ZelAppController::ZelAppController(AppServices services) : _services(std::move(services)) {
+    setupDefaults(_services);
+}
+
+void ZelAppController::setupDefaults(const AppServices& services) {
+    settings::registerDefaults(services.engine.defaults, services.engine.files, services.bundle);
+}
+
+void ZelAppController::applicationWillFinishLaunching() {
+    OrvFoundationInitialize();
+    _documentController = std::make_unique<ZelDocumentController>(_services.engine);
+    if (!systemCheck()) {
+        alert("SystemError");
+        _services.engine.userInterface.terminate();
+    }
+}
+
+bool ZelAppController::applicationOpenFile(const std::string& path) {
+    applicationOpenFiles({path});
+    return true;
+}
+
+void ZelAppController::applicationOpenFiles(const std::vector<std::string>& paths) {
+    if (!_documentController)
+        return;
+    for (const auto& path : paths)
+        _documentController->openDocumentWithContentsOfFile(path);
+    _documentController->wakeupThreadIfNeed();
+}
+
+platform::TerminateReply ZelAppController::applicationShouldTerminate() {
+    if (_documentController && !_documentController->releaseContents()) {
+        // The worker still uses the controller and the foundation library: both stay.
+        static_cast<void>(_documentController.release());
+        _hasAbandonedWorker = true;
+        return platform::TerminateReply::now;
+    }
+    _documentController.reset();
+    OrvFoundationTerminate();
+    return platform::TerminateReply::now;
+}
+
+void ZelAppController::doConvert() {
+    platform::OpenPanel panel;
+    panel.canChooseFiles = true;
+    panel.canChooseDirectories = true;
+    panel.allowsMultipleSelection = true;
+    const auto paths = _services.panels.runOpenPanel(panel, _services.mainWindow);
+    if (!paths.empty())
+        applicationOpenFiles(paths);
+}
+
+void ZelAppController::openManual() {
+    const auto path = _services.bundle.pathForResource("Manual", "pdf");
+    if (!_services.engine.files.fileExistsAtPath(path) || !_services.workspace.openFile(path))
+        alert("InvalidPackage");
+}
+
+void ZelAppController::openSupportSite() {
+    _services.workspace.openURL(std::string(supportSite));
+}
+
+void ZelAppController::openContactPage() {
+    _services.workspace.openURL(std::string(supportSite) + "/contact.php");
+}
+
+void ZelAppController::showManualAlert() {
+    auto& defaults = _services.engine.defaults;
+    if (defaults.boolForKey(settings::displayManualAlert))
+        return;
+    const auto& strings = _services.engine.strings;
+    const auto answer =
+        _services.panels.runQuestion({strings.stringForKey("AskOpenManual"),
+                                      strings.stringForKey("HowToOpenManual"),
+                                      {strings.stringForKey("Yes"), strings.stringForKey("No")}},
+                                     _services.mainWindow);
+    defaults.setBool(true, settings::displayManualAlert);
+    if (answer == 0)
+        openManual();
+}
+
+void ZelAppController::alert(std::string_view key) {
+    _services.engine.userInterface.runModal({_services.engine.strings.stringForKey(key), ""});
+}
+
+} // namespace zelmora

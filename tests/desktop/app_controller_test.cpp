@@ -1,0 +1,93 @@
+// Launch, files handed over, the end, and the manual.
+
+#include "desktop_fixture.h"
+#include "engine/settings.h"
+#include "platform/events/notification_center.h"
+
+#include <QTimer>
+
+namespace zelmora::test {
+namespace {
+
+TEST_F(DesktopTest, ConvertsWhatItWasStartedWithAndEndsByItself) {
+    folder.writeFile("a.txt", "\x82\xa0\r\n");
+    folder.writeFile("sub/\x82\xa0.txt", "\x82\xa2\r\n");
+    defaults.setBool(true, settings::autoQuit);
+    defaults.setInteger(1, settings::lineBreakCode);
+    ZelAppController controller(services());
+    application.setDelegate(controller);
+    int notices = 0;
+    auto& center = platform::NotificationCenter::defaultCenter();
+    const auto observer =
+        center.addObserver(platform::applicationWillTerminateNotification, [&] { ++notices; });
+    EXPECT_EQ(application.run({folder / "a.txt", folder / "sub"}), 0);
+    center.removeObserver(observer);
+    EXPECT_EQ(notices, 1);
+    EXPECT_FALSE(controller.hasAbandonedWorker());
+    EXPECT_EQ(readFile(folder / "a.txt"), "あ\n");
+    EXPECT_EQ(readFile(folder / "sub/\x82\xa0.txt"), "い\n");
+    // Nothing is there to take it any more, and nothing breaks.
+    EXPECT_TRUE(controller.applicationOpenFile(folder / "a.txt"));
+}
+
+TEST_F(DesktopTest, AFailureIsReadBeforeTheApplicationEndsByItself) {
+    folder.writeFile("good.txt", "\x82\xa0\n");
+    defaults.setBool(true, settings::autoQuit);
+    ZelAppController controller(services());
+    application.setDelegate(controller);
+    answerBoxes("OK");
+    EXPECT_EQ(application.run({folder / "missing.txt", folder / "good.txt"}), 0);
+    EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("FailedConvert")}));
+    EXPECT_EQ(readFile(folder / "good.txt"), "あ\n");
+}
+
+TEST_F(DesktopTest, QuittingIdleEndsAtOnce) {
+    ZelAppController controller(services());
+    application.setDelegate(controller);
+    QTimer::singleShot(0, [&] { userInterface.terminate(); });
+    EXPECT_EQ(application.run({}), 0);
+}
+
+TEST_F(DesktopTest, AsksAboutTheManualOnce) {
+    TemporaryDirectory resources;
+    const auto manual = resources.writeFile("Manual.pdf", "%PDF");
+    const platform::Bundle withManual(resources.path());
+    const AppServices all{services().engine, userInterface, workspace, withManual, {}, nullptr};
+    ZelAppController controller(all);
+    const struct {
+        const char* button;
+        std::vector<std::string> opened;
+    } cases[] = {{"Yes", {manual}}, {"No", {}}};
+    for (const auto& [button, opened] : cases) {
+        SCOPED_TRACE(button);
+        defaults.setBool(false, settings::displayManualAlert);
+        workspace.opened.clear();
+        boxTexts.clear();
+        answerBoxes(button);
+        controller.showManualAlert();
+        controller.showManualAlert();
+        EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("AskOpenManual")}));
+        EXPECT_TRUE(defaults.boolForKey(settings::displayManualAlert));
+        EXPECT_EQ(workspace.opened, opened);
+    }
+}
+
+TEST_F(DesktopTest, SaysWhenTheManualCannotBeOpened) {
+    for (const bool hasManual : {false, true}) {
+        TemporaryDirectory resources;
+        if (hasManual)
+            resources.writeFile("Manual.pdf", "%PDF");
+        const platform::Bundle withManual(resources.path());
+        workspace.answer = false;
+        const AppServices all{services().engine, userInterface, workspace, withManual, {}, nullptr};
+        ZelAppController controller(all);
+        answerBoxes("OK");
+        boxTexts.clear();
+        controller.openManual();
+        EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("InvalidPackage")}))
+            << (hasManual ? "no program took it" : "there is none");
+    }
+}
+
+} // namespace
+} // namespace zelmora::test

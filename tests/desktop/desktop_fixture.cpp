@@ -1,0 +1,78 @@
+#include "desktop_fixture.h"
+
+#include "engine/settings.h"
+
+#include <QAbstractButton>
+#include <QElapsedTimer>
+#include <cstdlib>
+
+namespace zelmora::test {
+
+platform::DesktopApplication& desktopApplication() {
+    static char name[] = "desktop_tests";
+    static char* arguments[] = {name, nullptr};
+    static int count = 1;
+    // Kept to the end of the process: Qt does not survive static destructors.
+    static auto* application = [] {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        return new platform::DesktopApplication(count, arguments);
+    }();
+    return *application;
+}
+
+bool RecordingWorkspace::openFile(const std::string& path) {
+    opened.push_back(path);
+    return answer;
+}
+
+bool RecordingWorkspace::openURL(const std::string& url) {
+    opened.push_back(url);
+    return answer;
+}
+
+DesktopTest::DesktopTest() : strings(bundle.localizedStrings(files, "en").value()) {
+    settings::registerDefaults(defaults, files, bundle);
+    defaults.setValueForThisRun(false, settings::autoBackup);
+    application.installStrings(strings, "en");
+    QObject::connect(&_answers, &QTimer::timeout, [this] { answerShownBox(); });
+}
+
+AppServices DesktopTest::services() {
+    return {{defaults, files, strings, application.runLoop(), userInterface},
+            userInterface,
+            workspace,
+            bundle,
+            {},
+            nullptr};
+}
+
+bool DesktopTest::runUntil(const std::function<bool()>& condition) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.elapsed() > 20'000)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    }
+    return true;
+}
+
+void DesktopTest::answerBoxes(const std::string& title) {
+    _answer = title;
+    _answers.start(5);
+}
+
+void DesktopTest::answerShownBox() {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (!box)
+        return;
+    for (auto* button : box->buttons()) {
+        if (button->text().remove('&').toStdString() != _answer)
+            continue;
+        boxTexts.push_back(box->text().toStdString());
+        button->click();
+        return;
+    }
+}
+
+} // namespace zelmora::test

@@ -1,0 +1,59 @@
+// What every test of the desktop stands on: Qt without a screen, the real windows, the English
+// strings, settings of its own and a folder.
+#pragma once
+
+#include "app/app_controller.h"
+#include "platform/desktop/desktop_user_interface.h"
+#include "tests/support/temporary_directory.h"
+
+#include <QMessageBox>
+#include <QTimer>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace zelmora::test {
+
+/// The process's one application object.
+platform::DesktopApplication& desktopApplication();
+
+/// Remembers what was to be opened.
+class RecordingWorkspace final : public platform::Workspace {
+  public:
+    bool openFile(const std::string& path) override;
+    bool openURL(const std::string& url) override;
+
+    std::vector<std::string> opened;
+    bool answer = true;
+};
+
+class DesktopTest : public ::testing::Test {
+  protected:
+    DesktopTest();
+
+    [[nodiscard]] AppServices services();
+    /// Runs events until `condition` holds; NO when it still does not after 20 seconds.
+    static bool runUntil(const std::function<bool()>& condition);
+    /// From now on answers message boxes with the button titled `title` as they come, and notes
+    /// their texts in `boxTexts`.
+    void answerBoxes(const std::string& title);
+
+    TemporaryDirectory folder;
+    platform::FileManager& files = platform::FileManager::defaultManager();
+    platform::Bundle bundle{ZELMORA_RESOURCES};
+    platform::UserDefaults defaults;
+    platform::LocalizedStrings strings;
+    platform::DesktopApplication& application = desktopApplication();
+    platform::DesktopUserInterface userInterface{{bundle, files, defaults, application}};
+    RecordingWorkspace workspace;
+    std::vector<std::string> boxTexts;
+
+  private:
+    void answerShownBox();
+
+    QTimer _answers;
+    std::string _answer;
+};
+
+} // namespace zelmora::test

@@ -1,0 +1,149 @@
+// The windows: Cancel, drops, alerts in line, the open panel.
+
+#include "desktop_fixture.h"
+#include "engine/progress_window.h"
+#include "platform/desktop/main_window.h"
+#include "platform/desktop/open_panel_dialog.h"
+
+#include <QAbstractButton>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QTimer>
+#include <gmock/gmock.h>
+
+namespace zelmora::test {
+namespace {
+
+struct StayOpen final : ProgressWindowDelegate {
+    bool onCancelProgressWindow(ProgressWindow&) override { return false; }
+};
+
+TEST_F(DesktopTest, CancelClosesUnlessTheDelegateSaysNo) {
+    const struct {
+        const char* name;
+        std::shared_ptr<ProgressWindowDelegate> delegate;
+        bool staysOpen;
+    } cases[] = {{"no delegate", nullptr, false},
+                 {"one that does not care", std::make_shared<ProgressWindowDelegate>(), false},
+                 {"one that says NO", std::make_shared<StayOpen>(), true}};
+    for (const auto& [name, delegate, staysOpen] : cases) {
+        SCOPED_TRACE(name);
+        ProgressWindow window(userInterface);
+        window.setDelegate(delegate);
+        EXPECT_FALSE(window.window().isVisible());
+        window.showWindow();
+        auto& widget = dynamic_cast<platform::QtWindow&>(window.window()).widget();
+        auto* cancel = widget.findChild<QAbstractButton*>("buttonCancel");
+        EXPECT_EQ(cancel->text(), "Cancel");
+        window.cancelButton().setEnabled(false);
+        cancel->click();
+        EXPECT_TRUE(window.window().isVisible()) << "Cancel was disabled";
+        window.cancelButton().setEnabled(true);
+        cancel->click();
+        EXPECT_EQ(window.window().isVisible(), staysOpen);
+    }
+}
+
+TEST_F(DesktopTest, DropsOfLocalItemsArriveByteForByte) {
+    using Paths = std::vector<std::string>;
+    const struct {
+        const char* uris;
+        Paths paths; ///< empty: refused
+    } cases[] = {
+        {"file:///tmp/a.txt\r\n", {"/tmp/a.txt"}},
+        {"file:///b/\r\nfile:///tmp/a%20b%23.txt\r\n", {"/b/", "/tmp/a b#.txt"}},
+        {"file:///tmp/%82%A0.txt\r\n", {"/tmp/\x82\xa0.txt"}},
+        {"file:///tmp/%E3%81%82.txt\r\n", {"/tmp/あ.txt"}},
+        {"https://zelmora.org/a.txt\r\n", {}},
+        {"file:///tmp/a.txt\r\nhttps://zelmora.org/a.txt\r\n", {}},
+        {"file://elsewhere/tmp/a.txt\r\n", {}},
+        {"", {}},
+    };
+    Paths opened;
+    platform::MainWindowActions actions;
+    actions.openFiles = [&](const Paths& paths) { opened = paths; };
+    actions.quit = [] {};
+    platform::MainWindow window(strings, actions);
+    for (const auto& [uris, paths] : cases) {
+        SCOPED_TRACE(uris);
+        opened.clear();
+        QMimeData data;
+        data.setData("text/uri-list", uris);
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        enter.ignore();
+        QApplication::sendEvent(&window, &enter);
+        EXPECT_EQ(enter.isAccepted(), !paths.empty());
+        QDropEvent drop({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&window, &drop);
+        EXPECT_TRUE(paths.empty() || drop.dropAction() == Qt::CopyAction);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(opened, paths);
+    }
+}
+
+TEST_F(DesktopTest, AlertsStandInLineAndTheEndWaitsForThem) {
+    struct Delegate final : platform::ApplicationDelegate {
+        void applicationWillFinishLaunching() override {}
+        bool applicationOpenUntitledFile() override { return true; }
+        bool applicationOpenFile(const std::string&) override { return true; }
+        void applicationOpenFiles(const std::vector<std::string>&) override {}
+        platform::TerminateReply applicationShouldTerminate() override {
+            isAsked = true;
+            return platform::TerminateReply::cancel;
+        }
+        bool isAsked = false;
+    } delegate;
+    application.setDelegate(delegate);
+    bool isWorkDone = false;
+    auto& queue = application.runLoop().mainQueue();
+    for (const char* message : {"<b>one", "two", "three"})
+        queue.async([this, message] { userInterface.runModal({message, "why"}); });
+    queue.async([&] {
+        isWorkDone = true;
+        userInterface.terminate();
+    });
+    std::vector<std::string> seen;
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || !isWorkDone) // other work goes on behind the first alert
+            return;
+        seen.push_back(box->text().toStdString());
+        EXPECT_EQ(box->textFormat(), Qt::PlainText);
+        EXPECT_FALSE(delegate.isAsked) << "while " << seen.back() << " is open";
+        box->accept();
+    });
+    user.start(5);
+    EXPECT_TRUE(runUntil([&] { return delegate.isAsked; }));
+    EXPECT_EQ(seen, (std::vector<std::string>{"<b>one", "two", "three"}));
+}
+
+TEST_F(DesktopTest, TheOpenPanelOffersFilesAndFoldersWithAnyNames) {
+    for (const char* name : {"b.txt", "\x82\xa0.txt", ".hidden"})
+        folder.writeFile(name, "");
+    folder.writeFile("z/in.txt", "");
+    const struct {
+        const char* name;
+        platform::OpenPanel panel;
+        std::vector<std::string> chosenWithAll;
+        bool opensWithNothingChosen;
+    } cases[] = {
+        {"files and folders", {true, true, true}, {"z", "\x82\xa0.txt", "b.txt"}, false},
+        {"files", {true, false, true}, {"\x82\xa0.txt", "b.txt"}, false},
+        {"folders", {false, true, true}, {"z"}, true},
+    };
+    for (const auto& [name, panel, chosen, opensWithNothing] : cases) {
+        SCOPED_TRACE(name);
+        platform::OpenPanelDialog dialog(panel, nullptr);
+        dialog.showFolder(folder.path());
+        EXPECT_EQ(!dialog.chosenPaths().empty(), opensWithNothing);
+        dialog.findChild<QListWidget*>()->selectAll();
+        std::vector<std::string> paths;
+        for (const auto& path : dialog.chosenPaths())
+            paths.push_back(path.substr(folder.path().size() + 1));
+        EXPECT_THAT(paths, ::testing::UnorderedElementsAreArray(chosen));
+    }
+}
+
+} // namespace
+} // namespace zelmora::test
