@@ -84,7 +84,11 @@ void DesktopUserInterface::runModal(const Alert& alert) {
 }
 
 std::unique_ptr<LoadedInterface> DesktopUserInterface::loadInterface(std::string_view name) {
-    return loadForm(name);
+    auto loaded = loadForm(name);
+    // Its buttons decide when it closes: a progress window closed by its frame would go unseen on.
+    auto* widget = widgetOf(&loaded->window());
+    widget->setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    return loaded;
 }
 
 std::unique_ptr<LoadedForm> DesktopUserInterface::loadForm(std::string_view name) {

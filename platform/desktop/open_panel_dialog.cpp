@@ -60,6 +60,7 @@ OpenPanelDialog::OpenPanelDialog(const OpenPanel& panel, QWidget* parent)
     up->setIcon(style()->standardIcon(QStyle::SP_FileDialogToParent));
     up->setToolTip(tr("OpenPanelParentFolder"));
     _location->setReadOnly(true);
+    _list->setFocus();
     _list->setSelectionMode(panel.allowsMultipleSelection ? QAbstractItemView::ExtendedSelection
                                                           : QAbstractItemView::SingleSelection);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Open | QDialogButtonBox::Cancel, this);
