@@ -35,7 +35,7 @@ class ZelAppController : public platform::ApplicationDelegate {
     explicit ZelAppController(AppServices services);
 
     /// Where the web pages are; "/contact.php" under it is the contact page.
-    static constexpr std::string_view supportSite = "https://zelmora.org";
+    static constexpr std::string_view supportSite = ZELMORA_SUPPORT_SITE;
 
     static void setupDefaults(const AppServices& services);
 

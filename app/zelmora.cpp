@@ -9,6 +9,7 @@
 #include "platform/desktop/desktop_user_interface.h"
 #include "platform/desktop/desktop_workspace.h"
 #include "platform/desktop/main_window.h"
+#include "platform/files/process_setup.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -143,6 +144,7 @@ void DesktopProgram::saveSettings() {
 } // namespace zelmora
 
 int main(int argc, char** argv) {
+    zelmora::platform::setUpProcess();
     zelmora::DesktopProgram program(argc, argv);
     // What Qt has left of the arguments; from argv itself, for Qt's own list loses bytes.
     std::vector<std::string> paths;

@@ -54,8 +54,8 @@ TEST_F(DesktopTest, DropsOfLocalItemsArriveByteForByte) {
         {"file:///b/\r\nfile:///tmp/a%20b%23.txt\r\n", {"/b/", "/tmp/a b#.txt"}},
         {"file:///tmp/%82%A0.txt\r\n", {"/tmp/\x82\xa0.txt"}},
         {"file:///tmp/%E3%81%82.txt\r\n", {"/tmp/あ.txt"}},
-        {"https://zelmora.org/a.txt\r\n", {}},
-        {"file:///tmp/a.txt\r\nhttps://zelmora.org/a.txt\r\n", {}},
+        {"https://zelmora.example/a.txt\r\n", {}},
+        {"file:///tmp/a.txt\r\nhttps://zelmora.example/a.txt\r\n", {}},
         {"file://elsewhere/tmp/a.txt\r\n", {}},
         {"", {}},
     };
