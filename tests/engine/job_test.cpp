@@ -72,8 +72,13 @@ class JobTest : public EngineTest {
 };
 
 TEST_F(JobTest, BatchIsConvertedAndProgressShown) {
+    // At the last file, so that its progress is shown before the list is emptied.
+    Pause pause(files, "4.txt");
     start();
     addBatch("in", 1, 4);
+    ASSERT_TRUE(mainLoop.runUntil([&] { return pause.isReached(); }));
+    mainLoop.mainQueue().drain();
+    pause.end();
     ASSERT_TRUE(runUntilFinished(1));
     EXPECT_EQ(controller->convertedCount(), 4U);
     EXPECT_TRUE(isConverted("in/1.txt") && isConverted("in/4.txt"));
