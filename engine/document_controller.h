@@ -87,6 +87,7 @@ class ZelDocumentController : public ProgressWindowDelegate {
 
     /// Converts the file at `srcPath` and puts the result in its place; logs it; on failure leaves
     /// the source as it was (but for what doConvertProcessPostDstPath says) and schedules an alert.
+    /// Running out of memory is a failure like any other.
     void doConvertProcess(const std::string& srcPath);
     void doConvertProcessLinebreaks(std::u16string& text) const;
     void doConvertProcessHalfToFullKatakana(std::u16string& text) const;
@@ -133,6 +134,8 @@ class ZelDocumentController : public ProgressWindowDelegate {
     void finishBatch(uint64_t wakeupsSeen) const;
 
     [[nodiscard]] Conversion convertFile(const std::string& srcPath) const;
+    /// Encoding, byte order and mark as set; encoding `none`: the file's own is kept.
+    [[nodiscard]] OrvEncodingInfo encodingInfoOfSettings() const;
     [[nodiscard]] OrvEncodingInfo targetEncodingInfo(OrvEncodingInfo srcEncodingInfo) const;
     [[nodiscard]] OrvEncodingInfo declarationEncodingInfo(OrvEncodingInfo srcEncodingInfo) const;
     [[nodiscard]] std::string reason(std::string_view key, const platform::Error& error) const;

@@ -8,6 +8,8 @@
 #include "textutil/text_utility.h"
 
 #include <cerrno>
+#include <new>
+#include <stdexcept>
 #include <system_error>
 
 namespace zelmora {
@@ -24,7 +26,14 @@ std::string errorText(const platform::Error& error) {
 } // namespace
 
 void ZelDocumentController::doConvertProcess(const std::string& srcPath) {
-    const auto conversion = convertFile(srcPath);
+    Conversion conversion;
+    try {
+        conversion = convertFile(srcPath);
+    } catch (const std::bad_alloc&) {
+        conversion.failure = reason("ReasonRead", {.code = ENOMEM, .message = {}});
+    } catch (const std::length_error&) { // more than a string can hold at all
+        conversion.failure = reason("ReasonRead", {.code = ENOMEM, .message = {}});
+    }
     const bool result = conversion.failure.empty();
     ++(result ? _convertedCount : _failedCount);
     if (_services.defaults.boolForKey(settings::createLogFile))
@@ -107,18 +116,20 @@ ZelDocumentController::doConvertProcessEncoding(std::u16string_view text,
     return OrvTextUtility::instance()->dataWithString(text, targetEncodingInfo(srcEncodingInfo));
 }
 
-OrvEncodingInfo ZelDocumentController::targetEncodingInfo(OrvEncodingInfo srcEncodingInfo) const {
+OrvEncodingInfo ZelDocumentController::encodingInfoOfSettings() const {
     const auto& defaults = _services.defaults;
-    OrvEncodingInfo target = srcEncodingInfo;
-    const auto encoding = static_cast<OrvEncoding>(codeForKey(defaults, settings::encodingCode));
-    if (encoding != OrvEncoding::none) {
-        target.encoding = encoding;
-        target.byteOrder = defaults.boolForKey(settings::littleEndian) ? OrvByteOrder::littleEndian
-                                                                       : OrvByteOrder::bigEndian;
-        target.hasBOM = defaults.boolForKey(settings::putBOM);
-    }
-    target.characterMapping =
-        static_cast<OrvCharacterMapping>(codeForKey(defaults, settings::sjisDeviceCharWrite));
+    return {.encoding = static_cast<OrvEncoding>(codeForKey(defaults, settings::encodingCode)),
+            .byteOrder = defaults.boolForKey(settings::littleEndian) ? OrvByteOrder::littleEndian
+                                                                     : OrvByteOrder::bigEndian,
+            .hasBOM = defaults.boolForKey(settings::putBOM)};
+}
+
+OrvEncodingInfo ZelDocumentController::targetEncodingInfo(OrvEncodingInfo srcEncodingInfo) const {
+    auto target = encodingInfoOfSettings();
+    if (target.encoding == OrvEncoding::none)
+        target = srcEncodingInfo;
+    target.characterMapping = static_cast<OrvCharacterMapping>(
+        codeForKey(_services.defaults, settings::sjisDeviceCharWrite));
     return target;
 }
 
@@ -137,12 +148,7 @@ void ZelDocumentController::logConversion(const std::string& srcPath,
     entry.dstLineBreak = static_cast<OrvLineBreak>(codeForKey(defaults, settings::lineBreakCode));
     entry.srcEncodingInfo = conversion.srcEncodingInfo;
     // The log tells the settings, not what became of the file: code 0 reads as "not converted".
-    entry.dstEncodingInfo.encoding =
-        static_cast<OrvEncoding>(codeForKey(defaults, settings::encodingCode));
-    entry.dstEncodingInfo.byteOrder = defaults.boolForKey(settings::littleEndian)
-                                          ? OrvByteOrder::littleEndian
-                                          : OrvByteOrder::bigEndian;
-    entry.dstEncodingInfo.hasBOM = defaults.boolForKey(settings::putBOM);
+    entry.dstEncodingInfo = encodingInfoOfSettings();
     entry.halfwidthKatakana = defaults.boolForKey(settings::halfToFullKatakana);
     entry.html =
         defaults.boolForKey(settings::replaceMETA) || defaults.boolForKey(settings::exportMETA);

@@ -14,11 +14,6 @@ using settings::codeForKey;
 
 namespace {
 
-OrvByteOrder byteOrderOfSettings(const platform::UserDefaults& defaults) {
-    return defaults.boolForKey(settings::littleEndian) ? OrvByteOrder::littleEndian
-                                                       : OrvByteOrder::bigEndian;
-}
-
 /// Where a tag that the parser found ends: the offset behind its ">".
 size_t endOffset(const OrvMarkupTag& tag) {
     const auto& notes = *tag.parserAdditional();
@@ -55,11 +50,11 @@ std::optional<std::u16string> renderedText(const OrvIBase* element, const wchar_
 
 OrvEncodingInfo
 ZelDocumentController::declarationEncodingInfo(OrvEncodingInfo srcEncodingInfo) const {
-    const auto& defaults = _services.defaults;
-    const auto encoding = static_cast<OrvEncoding>(codeForKey(defaults, settings::encodingCode));
-    return {.encoding = encoding != OrvEncoding::none ? encoding : srcEncodingInfo.encoding,
-            .byteOrder = byteOrderOfSettings(defaults),
-            .hasBOM = defaults.boolForKey(settings::putBOM)};
+    // Byte order and mark come from the settings also when the encoding is kept.
+    auto info = encodingInfoOfSettings();
+    if (info.encoding == OrvEncoding::none)
+        info.encoding = srcEncodingInfo.encoding;
+    return info;
 }
 
 void ZelDocumentController::doConvertProcessMETAElement(std::u16string& text,

@@ -104,6 +104,22 @@ TEST_F(ConversionTest, FileThatCannotBeConvertedIsReportedAndLeft) {
     EXPECT_EQ(folder.items(), (Items{"bad.txt", "fifo.txt", "folder.txt/", "folder.txt/x"}));
 }
 
+TEST_F(ConversionTest, FileTooLargeForTheMemoryFailsByItself) {
+    const auto large = folder.writeFile("large.txt", "\x95\x5c");
+    const auto small = folder.writeFile("small.txt", "\x95\x5c");
+    files.setHook([&](const FaultyFileManager::Operation& each) {
+        if (each.path == large)
+            throw std::bad_alloc();
+    });
+    convert(large);
+    convert(small);
+    EXPECT_EQ(alertTexts(), (Items{"A file could not be converted.|" + large +
+                                   " was not converted. It cannot be read: Cannot allocate "
+                                   "memory."}));
+    EXPECT_EQ(readFile(large), "\x95\x5c");
+    EXPECT_EQ(readFile(small), "\xe8\xa1\xa8");
+}
+
 TEST_F(ConversionTest, LinkIsReplacedByTheConvertedFileAndItsTargetStays) {
     const auto target = folder.writeFile("target.txt", "\x95\x5c");
     ASSERT_EQ(symlink(target.c_str(), (folder / "link.txt").c_str()), 0);
