@@ -76,12 +76,20 @@ OrvTextUtilityPrivate::stringWithData(std::optional<ByteView> data,
 
 std::optional<Bytes> OrvTextUtilityPrivate::dataWithString(std::optional<std::u16string_view> text,
                                                            OrvEncodingInfo encodingInfo) const {
+    platform::Alterations alterations;
+    return dataWithString(text, encodingInfo, alterations);
+}
+
+std::optional<Bytes>
+OrvTextUtilityPrivate::dataWithString(std::optional<std::u16string_view> text,
+                                      OrvEncodingInfo encodingInfo,
+                                      platform::Alterations& alterations) const {
     if (!text)
         return std::nullopt;
     const TextEncoding encoding = textEncodingOf(encodingInfo).value_or(TextEncoding::macOSRoman);
     auto data = platform::encodeText(*text, encoding);
     if (!data)
-        data = platform::encodeTextLossy(*text, encoding);
+        data = platform::encodeTextLossy(*text, encoding, alterations);
     if (encodingInfo.hasBOM) {
         const ByteView mark = markOf(encoding);
         data->insert(data->begin(), mark.begin(), mark.end());

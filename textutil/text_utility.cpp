@@ -60,6 +60,12 @@ std::optional<platform::Bytes> OrvTextUtility::dataWithString(std::optional<std:
     return std::nullopt;
 }
 
+std::optional<platform::Bytes> OrvTextUtility::dataWithString(std::optional<std::u16string_view>,
+                                                              OrvEncodingInfo,
+                                                              platform::Alterations&) const {
+    return std::nullopt;
+}
+
 void OrvTextUtility::convertHalfToFullKatakanaOfString(std::u16string&) const {}
 
 } // namespace zelmora

@@ -1,6 +1,7 @@
 // The text utility: what a file's bytes are, bytes to text and back, line breaks, katakana.
 #pragma once
 
+#include "platform/text/alterations.h"
 #include "platform/text/bytes.h"
 #include "textutil/encoding_info.h"
 
@@ -46,6 +47,10 @@ class OrvTextUtility {
     /// it can, otherwise altering what the encoding cannot hold. nullopt only for absent text.
     [[nodiscard]] virtual std::optional<platform::Bytes>
     dataWithString(std::optional<std::u16string_view> text, OrvEncodingInfo encodingInfo) const;
+    /// The same, and adds every character that was altered to `alterations`.
+    [[nodiscard]] virtual std::optional<platform::Bytes>
+    dataWithString(std::optional<std::u16string_view> text, OrvEncodingInfo encodingInfo,
+                   platform::Alterations& alterations) const;
 
     /// Replaces half-width katakana by full-width katakana, in place.
     virtual void convertHalfToFullKatakanaOfString(std::u16string& text) const;

@@ -22,6 +22,9 @@ class OrvTextUtilityPrivate final : public OrvTextUtility {
     [[nodiscard]] std::optional<platform::Bytes>
     dataWithString(std::optional<std::u16string_view> text,
                    OrvEncodingInfo encodingInfo) const override;
+    [[nodiscard]] std::optional<platform::Bytes>
+    dataWithString(std::optional<std::u16string_view> text, OrvEncodingInfo encodingInfo,
+                   platform::Alterations& alterations) const override;
     void convertHalfToFullKatakanaOfString(std::u16string& text) const override;
 
     /// The characters of a line break; nullopt for a kind outside 1 to 4.

@@ -83,13 +83,13 @@ utf8proc_int32_t nextCodePoint(const char16_t*& in, const char16_t* end) {
 
 class LossyPass {
   public:
-    LossyPass(std::u16string_view text, LegacyEncoder& encoder)
-        : _encoder(encoder), _in(text.data()), _end(_in + text.size()) {
+    LossyPass(std::u16string_view text, LegacyEncoder& encoder, Alterations& alterations)
+        : _encoder(encoder), _alterations(alterations), _begin(text.data()), _in(_begin),
+          _end(_in + text.size()) {
         _bytes.reserve(2 * text.size());
     }
 
     Bytes run() {
-        const char16_t* const begin = _in;
         const char16_t* composing = findComposing(_in, _end);
         while (_in != _end) {
             if (composing < _in)
@@ -101,8 +101,8 @@ class LossyPass {
                 writeComposed();
                 continue;
             }
-            const bool isAfterCharacter = _in != begin;
-            alter(nextCodePoint(_in, _end), isAfterCharacter);
+            const char16_t* const character = _in;
+            alter(nextCodePoint(_in, _end), character, character != _begin);
         }
         _encoder.finish(_bytes);
         return std::move(_bytes);
@@ -112,6 +112,7 @@ class LossyPass {
     void write(std::u16string_view units) {
         const char16_t* const end = units.data() + units.size();
         [[maybe_unused]] const char16_t* const stop = _encoder.encode(units.data(), end, _bytes);
+        _written = units;
     }
 
     /// The character, or its twin, in the form that the encoding holds; U+0000 when it has neither.
@@ -153,6 +154,7 @@ class LossyPass {
     /// Writes the unit at `_in` composed with the marks that follow it, and those marks that do not
     /// compose, altered.
     void writeComposed() {
+        const char16_t* const letter = _in;
         CodePoints codePoints;
         codePoints[0] = *_in++;
         size_t count = 1;
@@ -161,17 +163,23 @@ class LossyPass {
         const utf8proc_ssize_t composed = utf8proc_normalize_utf32(
             codePoints.data(), static_cast<utf8proc_ssize_t>(count),
             static_cast<utf8proc_option_t>(UTF8PROC_COMPOSE | UTF8PROC_STABLE));
-        for (size_t i = 0; i < static_cast<size_t>(composed); ++i)
-            alter(codePoints[i], i > 0);
+        const size_t left = static_cast<size_t>(composed);
+        for (size_t i = 0; i < left; ++i) // what is left over stood at the end
+            alter(codePoints[i], i == 0 ? letter : _in - (left - i), i > 0);
     }
 
     /// Writes the first of these that the encoding holds: the character itself or its twin; its
     /// decomposition; its base letter, for a mark on the character before it nothing; "?".
-    void alter(utf8proc_int32_t codePoint, bool isAfterCharacter) {
-        if (writeHeldForm(codePoint) || writeDecomposed(codePoint))
-            return;
-        if (!isAfterCharacter || !isMark(codePoint))
+    /// `place` is where the character stands in the text.
+    void alter(utf8proc_int32_t codePoint, const char16_t* place, bool isAfterCharacter) {
+        _written.clear();
+        if (!writeHeldForm(codePoint) && !writeDecomposed(codePoint) &&
+            (!isAfterCharacter || !isMark(codePoint)))
             write({&kSubstitute, 1});
+        const bool isKept = _written.size() == 1 && _written[0] == codePoint;
+        if (!isKept)
+            _alterations.add(static_cast<size_t>(place - _begin), static_cast<char32_t>(codePoint),
+                             _written);
     }
 
     bool writeDecomposed(utf8proc_int32_t codePoint) {
@@ -194,15 +202,18 @@ class LossyPass {
     }
 
     LegacyEncoder& _encoder;
+    Alterations& _alterations;
+    const char16_t* const _begin;
     const char16_t* _in;
     const char16_t* const _end;
     Bytes _bytes;
+    std::u16string _written; ///< by the last write
 };
 
 } // namespace
 
-Bytes encodeLossily(std::u16string_view text, LegacyEncoder& encoder) {
-    return LossyPass(text, encoder).run();
+Bytes encodeLossily(std::u16string_view text, LegacyEncoder& encoder, Alterations& alterations) {
+    return LossyPass(text, encoder, alterations).run();
 }
 
 } // namespace zelmora::platform

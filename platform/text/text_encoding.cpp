@@ -8,11 +8,13 @@ namespace zelmora::platform {
 namespace {
 
 /// `text` with "?" for every lone surrogate: all that keeps a text from being Unicode.
-std::u16string withoutLoneSurrogates(std::u16string_view text) {
+std::u16string withoutLoneSurrogates(std::u16string_view text, Alterations& alterations) {
     std::u16string repaired(text);
     for (size_t at = findLoneSurrogate(repaired); at < repaired.size();
-         at = findLoneSurrogate(repaired, at + 1))
+         at = findLoneSurrogate(repaired, at + 1)) {
+        alterations.add(at, repaired[at], u"?");
         repaired[at] = u'?';
+    }
     return repaired;
 }
 
@@ -89,10 +91,10 @@ std::optional<Bytes> encodeText(std::u16string_view text, TextEncoding encoding)
     return bytes;
 }
 
-Bytes encodeTextLossy(std::u16string_view text, TextEncoding encoding) {
+Bytes encodeTextLossy(std::u16string_view text, TextEncoding encoding, Alterations& alterations) {
     if (const std::unique_ptr<LegacyEncoder> encoder = makeLegacyEncoder(encoding))
-        return encodeLossily(text, *encoder);
-    return encodeUnicode(withoutLoneSurrogates(text), encoding).value_or(Bytes());
+        return encodeLossily(text, *encoder, alterations);
+    return encodeUnicode(withoutLoneSurrogates(text, alterations), encoding).value_or(Bytes());
 }
 
 } // namespace zelmora::platform

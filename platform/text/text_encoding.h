@@ -4,6 +4,7 @@
 // allocate their result, nothing per character.
 #pragma once
 
+#include "platform/text/alterations.h"
 #include "platform/text/bytes.h"
 
 #include <cstdint>
@@ -45,7 +46,9 @@ enum class TextEncoding : int32_t {
 /// its base letter, so that a mark on another character is left out; "?". A lone surrogate becomes
 /// "?" in every encoding. Half-width katakana stay what they are: all encodings that have katakana
 /// hold them. Characters that `encoding` holds come out as encodeText writes them, but for letters
-/// that composition takes up.
-[[nodiscard]] Bytes encodeTextLossy(std::u16string_view text, TextEncoding encoding);
+/// that composition takes up. Every character that reads differently afterwards is added to
+/// `alterations`; a letter composed with its marks is the same character.
+[[nodiscard]] Bytes encodeTextLossy(std::u16string_view text, TextEncoding encoding,
+                                    Alterations& alterations);
 
 } // namespace zelmora::platform

@@ -178,7 +178,8 @@ TEST(LegacyCodecs, longRunsOfOneCharacter) {
 TEST(LegacyCodecs, aTextCutAnywhereIsInvalidOrAPrefix) {
     const std::u16string text = u"<p>\u3042\uFF71\u02D8\u2460 \u9AD9</p>\r\n";
     for (const TextEncoding encoding : {codePage932, macJapanese, eucJP, iso2022JP}) {
-        const Bytes whole = encodeTextLossy(text, encoding);
+        Alterations alterations;
+        const Bytes whole = encodeTextLossy(text, encoding, alterations);
         const std::u16string all = decodeText(whole, encoding).value();
         for (size_t length = 0; length < whole.size(); ++length) {
             const std::string cut(charsOf(whole).substr(0, length));

@@ -1,12 +1,31 @@
 #include "platform/text/text_encoding.h"
+#include "platform/text/utf8.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace zelmora::platform {
 namespace {
 
 using enum TextEncoding;
+
+Bytes encoded(std::u16string_view text, TextEncoding encoding) {
+    Alterations alterations;
+    return encodeTextLossy(text, encoding, alterations);
+}
+
+std::vector<std::string> listed(const Alterations& alterations) {
+    std::vector<std::string> lines;
+    for (const auto& [offset, codePoint, written] : alterations.listed) {
+        std::ostringstream line;
+        line << offset << " " << std::hex << std::uppercase << static_cast<uint32_t>(codePoint)
+             << " " << utf8FromUTF16(written);
+        lines.push_back(line.str());
+    }
+    return lines;
+}
 
 TEST(LossyEncoding, altersWhatTheEncodingLacks) {
     const struct {
@@ -55,7 +74,7 @@ TEST(LossyEncoding, altersWhatTheEncodingLacks) {
         {"sequence", macJapanese, u"\u2026\uF87F\uF862XII", u"\u2026\uF87F?XII"},
     };
     for (const auto& [what, encoding, text, written] : cases) {
-        const Bytes bytes = encodeTextLossy(text, encoding);
+        const Bytes bytes = encoded(text, encoding);
         EXPECT_EQ(decodeText(bytes, encoding), written)
             << what << ": " << testing::PrintToString(text);
         EXPECT_EQ(encodeText(text, encoding).has_value(), text == written) << what;
@@ -69,12 +88,14 @@ TEST(LossyEncoding, neverFailsAndLeavesTheRest) {
         std::u16string held;
         for (char32_t unit = 0; unit <= 0xFFFF; ++unit) {
             const std::u16string text{static_cast<char16_t>(unit), u'\u3099'};
-            EXPECT_TRUE(decodeText(encodeTextLossy(text, encoding), encoding))
+            EXPECT_TRUE(decodeText(encoded(text, encoding), encoding))
                 << std::hex << static_cast<uint32_t>(unit);
             if (encodeText(text.substr(0, 1), encoding))
                 held += text[0];
         }
-        EXPECT_EQ(encodeTextLossy(held, encoding), encodeText(held, encoding));
+        Alterations alterations;
+        EXPECT_EQ(encodeTextLossy(held, encoding, alterations), encodeText(held, encoding));
+        EXPECT_EQ(alterations.count, 0u);
     }
 }
 
@@ -86,7 +107,33 @@ TEST(LossyEncoding, longTexts) {
         written += std::u16string(run, u'a') + u"\u3042\u304C"
                                                u"e";
     }
-    EXPECT_TRUE(decodeText(encodeTextLossy(text, codePage932), codePage932) == written);
+    EXPECT_TRUE(decodeText(encoded(text, codePage932), codePage932) == written);
+}
+
+TEST(LossyEncoding, tellsWhatItAltered) {
+    const struct {
+        TextEncoding _encoding;
+        std::u16string _text;
+        std::vector<std::string> _listed; ///< offset, code point, what was written
+    } cases[] = {
+        {eucJP, u"\u3042\uFF5E\u3042\u00BD\uFB01", {"1 FF5E \u301C", "3 BD 1/2", "4 FB01 fi"}},
+        {codePage932, u"a\xD83D\xDE00\u00E9?\xD83D\xDE00", {"1 1F600 ?", "3 E9 e", "5 1F600 ?"}},
+        {eucJP, u"\u304B\u3099\u845B\xDB40\xDD00", {"3 E0100 "}},
+        {codePage932, u"k\u0301\u0301\u304B\u3099", {"0 1E31 k", "2 301 "}},
+        {codePage932, u"\u3042\u3099", {"1 3099 \u309B"}},
+        {utf8, u"\xD800\u3042\xDC00", {"0 D800 ?", "2 DC00 ?"}},
+    };
+    for (const auto& [encoding, text, expected] : cases) {
+        Alterations alterations;
+        static_cast<void>(encodeTextLossy(text, encoding, alterations));
+        EXPECT_EQ(listed(alterations), expected) << testing::PrintToString(text);
+        EXPECT_EQ(alterations.count, expected.size());
+    }
+    Alterations many;
+    static_cast<void>(encodeTextLossy(std::u16string(Alterations::kMostListed + 5, u'\u00E9'),
+                                      codePage932, many));
+    EXPECT_EQ(many.count, Alterations::kMostListed + 5);
+    EXPECT_EQ(many.listed.size(), Alterations::kMostListed);
 }
 
 } // namespace
