@@ -7,6 +7,7 @@
 #include "app/saved_settings_path.h"
 #include "engine/settings.h"
 #include "engine/target_files.h"
+#include "platform/text/utf8.h"
 
 #include <cstdio>
 #include <unistd.h>
@@ -57,6 +58,10 @@ int ConsoleApplication::run(std::span<const char* const> arguments) {
                                                                        : consoleFailure;
     }
 
+    if (!options.reportPath.empty() && _files.fileExistsAtPath(options.reportPath)) {
+        say(_strings.format("ConsoleReportExists", {platform::displayPath(options.reportPath)}));
+        return consoleUsage;
+    }
     loadSettings();
     for (const auto& [key, value] : options.settings) {
         if (options.save)
@@ -69,7 +74,7 @@ int ConsoleApplication::run(std::span<const char* const> arguments) {
     }
     if (options.paths.empty())
         return consoleSuccess;
-    return options.detect ? detect(options.paths) : convert(options.paths, options.quiet);
+    return options.detect ? detect(options.paths) : convert(options);
 }
 
 void ConsoleApplication::loadSettings() {
@@ -85,12 +90,16 @@ int ConsoleApplication::saveSettings() {
     return saved.ok() ? consoleSuccess : consoleFailure;
 }
 
-int ConsoleApplication::convert(const std::vector<std::string>& paths, bool quiet) {
-    ConsoleConversion conversion({_defaults, _files, _strings, _runLoop, _userInterface}, _runLoop);
-    const auto tally = conversion.run(paths);
-    if (!quiet)
-        _userInterface.printLine(_strings.format(
-            "ConsoleSummary", {std::to_string(tally.converted), std::to_string(tally.failed)}));
+int ConsoleApplication::convert(const ConsoleOptions& options) {
+    LossReport report(_files, options.reportPath);
+    ConsoleConversion conversion({_defaults, _files, _strings, _runLoop, _userInterface}, _runLoop,
+                                 options.reportPath.empty() ? nullptr : &report);
+    const auto tally = conversion.run(options.paths);
+    if (!options.quiet)
+        _userInterface.printLine(
+            _strings.format(tally.lost == 0 ? "ConsoleSummary" : "ConsoleSummaryLost",
+                            {std::to_string(tally.converted), std::to_string(tally.failed),
+                             std::to_string(tally.lost)}));
     if (tally.signal != 0)
         return consoleSignal + tally.signal;
     return tally.failed == 0 ? consoleSuccess : consoleFailure;

@@ -13,6 +13,8 @@
 
 namespace zelmora {
 
+struct ConsoleOptions;
+
 /// Exit statuses of zelmora-convert.
 enum ConsoleStatus : int {
     consoleSuccess = 0, ///< every target was converted, also when there was none
@@ -33,7 +35,7 @@ class ConsoleApplication {
   private:
     void loadSettings();
     int saveSettings();
-    int convert(const std::vector<std::string>& paths, bool quiet);
+    int convert(const ConsoleOptions& options);
     int detect(const std::vector<std::string>& paths);
     void say(std::string_view text);
 

@@ -15,6 +15,8 @@ ConsoleConversion::Tally ConsoleConversion::run(const std::vector<std::string>& 
     {
         ZelDocumentController controller(_services);
         controller.setBatchFinishedHandler([this] { _runLoop.stop(0); });
+        controller.setLostCharactersHandler(
+            [this](const LostCharacters& lost) { noteLostCharacters(lost); });
         _runLoop.setSignalHandler([this, &controller](int signal) {
             if (_tally.signal == 0)
                 _tally.signal = signal;
@@ -26,8 +28,7 @@ ConsoleConversion::Tally ConsoleConversion::run(const std::vector<std::string>& 
                 open(controller, path);
         }
         _runLoop.deliverSignals();
-        if (controller.wakeupThreadIfNeed())
-            _runLoop.run();
+        convertQueued(controller);
         _runLoop.mainQueue().drain();
         _tally.converted += controller.convertedCount();
         _tally.failed += controller.failedCount();
@@ -39,6 +40,35 @@ ConsoleConversion::Tally ConsoleConversion::run(const std::vector<std::string>& 
         platform::applicationWillTerminateNotification);
     OrvFoundationTerminate();
     return _tally;
+}
+
+void ConsoleConversion::convertQueued(ZelDocumentController& controller) {
+    // Made when all paths have been searched: the report is none of the files to be converted.
+    if (_report != nullptr) {
+        if (const auto created = _report->create(); !created.ok()) {
+            failReport(created.error());
+            return;
+        }
+    }
+    if (controller.wakeupThreadIfNeed())
+        _runLoop.run();
+}
+
+void ConsoleConversion::noteLostCharacters(const LostCharacters& lost) {
+    _tally.lost += lost.count;
+    if (_report == nullptr)
+        return;
+    if (const auto added = _report->add(lost); !added.ok())
+        failReport(added.error());
+}
+
+/// Once it has failed, the report is given up: half of it would look whole.
+void ConsoleConversion::failReport(const platform::Error& error) {
+    ++_tally.failed;
+    _report = nullptr;
+    const auto& strings = _services.strings;
+    _services.userInterface.runModal(
+        {strings.stringForKey("FailedReport"), strings.format("ReasonReport", {error.message})});
 }
 
 void ConsoleConversion::open(ZelDocumentController& controller, const std::string& argument) {

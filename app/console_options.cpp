@@ -85,6 +85,13 @@ class SettingsReader {
         return assign(argument.substr(0, equals), argument.substr(equals + 1), "--set");
     }
 
+    std::optional<UsageError> readReport(const std::string& argument) {
+        if (argument.empty())
+            return error("ConsoleBadValue", {"--report", argument});
+        _options.reportPath = platform::absolutePath(argument);
+        return std::nullopt;
+    }
+
     std::optional<UsageError> readFriendly(const FriendlyOption& option, std::string argument) {
         if (!option.words.empty()) {
             const auto word =
@@ -205,6 +212,7 @@ parseConsoleOptions(std::span<const char* const> arguments,
         return parser.add_flag(std::string(name))->take_all()->disable_flag_override();
     };
     const auto* set = addOption("--set");
+    const auto* report = addOption("--report");
     std::map<const CLI::Option*, const FriendlyOption*> friendly;
     for (const auto& option : friendlyOptions())
         friendly[option.takesArgument() ? addOption(option.name) : addFlag(option.name)] = &option;
@@ -225,6 +233,8 @@ parseConsoleOptions(std::span<const char* const> arguments,
         const auto found = friendly.find(option);
         if (option == set)
             failure = reader.readSet(option->results()[used[option]++]);
+        else if (option == report)
+            failure = reader.readReport(option->results()[used[option]++]);
         else if (found != friendly.end())
             failure = reader.readFriendly(*found->second, option->results()[used[option]++]);
         if (failure)

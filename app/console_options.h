@@ -16,9 +16,10 @@ namespace zelmora {
 struct ConsoleOptions {
     bool help = false;
     bool version = false;
-    bool detect = false; ///< report what the files are, change nothing
-    bool save = false;   ///< write `settings` to the saved settings
-    bool quiet = false;  ///< no closing line
+    bool detect = false;    ///< report what the files are, change nothing
+    bool save = false;      ///< write `settings` to the saved settings
+    bool quiet = false;     ///< no closing line
+    std::string reportPath; ///< where to list lost characters, absolute; empty: nowhere
     /// Settings for this run by key, in the order given.
     std::vector<std::pair<std::string, platform::PropertyListValue>> settings;
     std::vector<std::string> paths; ///< as given, raw bytes

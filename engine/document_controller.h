@@ -3,6 +3,7 @@
 
 #include "engine/backup_manager.h"
 #include "engine/file_list.h"
+#include "engine/lost_characters.h"
 #include "engine/progress_window.h"
 #include "engine/pthread_conditional.h"
 #include "engine/services.h"
@@ -66,6 +67,10 @@ class ZelDocumentController : public ProgressWindowDelegate {
     /// that it had been woken for, also when Cancel emptied the queue.
     void setBatchFinishedHandler(std::function<void()> handler);
 
+    /// Called on the main thread for each converted file that lost characters, before the end of
+    /// its batch is told.
+    void setLostCharactersHandler(std::function<void(const LostCharacters&)> handler);
+
     /// How many files were converted since the controller was made, and how many conversions,
     /// backups and searches of folders failed. Any thread.
     [[nodiscard]] uint64_t convertedCount() const { return _convertedCount; }
@@ -91,8 +96,10 @@ class ZelDocumentController : public ProgressWindowDelegate {
     void doConvertProcess(const std::string& srcPath);
     void doConvertProcessLinebreaks(std::u16string& text) const;
     void doConvertProcessHalfToFullKatakana(std::u16string& text) const;
+    /// Adds what the target encoding cannot hold to `alterations`.
     [[nodiscard]] std::optional<platform::Bytes>
-    doConvertProcessEncoding(std::u16string_view text, OrvEncodingInfo srcEncodingInfo) const;
+    doConvertProcessEncoding(std::u16string_view text, OrvEncodingInfo srcEncodingInfo,
+                             platform::Alterations& alterations) const;
 
     // Declarations (document_controller_declarations.cpp). The worker's; each changes `text` in
     // place or leaves it alone. A foundation-library pool must be open for the style sheets.
@@ -126,12 +133,14 @@ class ZelDocumentController : public ProgressWindowDelegate {
         OrvEncodingInfo srcEncodingInfo;
         OrvLineBreak srcLineBreak = OrvLineBreak::none;
         std::string failure; ///< why it failed, for the user; empty: it did not
+        LostCharacters lost;
     };
 
     void conversionThreadProc();
     bool convertQueuedFiles();
     void updateProgressWindow() const;
     void finishBatch(uint64_t wakeupsSeen) const;
+    void tellLostCharacters(LostCharacters lost) const;
 
     [[nodiscard]] Conversion convertFile(const std::string& srcPath) const;
     /// Encoding, byte order and mark as set; encoding `none`: the file's own is kept.
@@ -157,12 +166,13 @@ class ZelDocumentController : public ProgressWindowDelegate {
     std::unique_ptr<PThreadConditional> _wakeupConversionThread;
     std::atomic<bool> _shouldTerminateThread = false;
 
-    /// How often the worker has been woken, and who hears of a batch's end. Blocks on the main
-    /// queue hold it weakly; all but `wakeups` is for the main thread only.
+    /// How often the worker has been woken, and who hears of what becomes of a batch. Blocks on the
+    /// main queue hold it weakly; all but `wakeups` is for the main thread only.
     struct Batch {
         std::atomic<uint64_t> wakeups = 0;
         uint64_t wakeupsFinished = 0; ///< `wakeups` at the last end that was told
         std::function<void()> finishedHandler;
+        std::function<void(const LostCharacters&)> lostCharactersHandler;
     };
     std::shared_ptr<Batch> _batch;
     std::atomic<uint64_t> _convertedCount = 0;

@@ -11,6 +11,7 @@
 #include <new>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 namespace zelmora {
 
@@ -40,6 +41,8 @@ void ZelDocumentController::doConvertProcess(const std::string& srcPath) {
         logConversion(srcPath, conversion);
     if (!result)
         alert("FailedConvert", srcPath, conversion.failure);
+    else if (conversion.lost.count != 0)
+        tellLostCharacters(std::move(conversion.lost));
 }
 
 ZelDocumentController::Conversion
@@ -79,7 +82,10 @@ ZelDocumentController::convertFile(const std::string& srcPath) const {
     if (isCSSFile(srcPath))
         doConvertProcessCSSElement(*text, conversion.srcEncodingInfo, conversion.srcLineBreak);
 
-    const auto output = doConvertProcessEncoding(*text, conversion.srcEncodingInfo);
+    platform::Alterations alterations;
+    const auto output = doConvertProcessEncoding(*text, conversion.srcEncodingInfo, alterations);
+    if (alterations.count != 0)
+        conversion.lost = lostCharacters(srcPath, *text, alterations);
     text.reset();
     if (!output) {
         conversion.failure = _services.strings.stringForKey("ReasonEncode");
@@ -112,8 +118,10 @@ void ZelDocumentController::doConvertProcessHalfToFullKatakana(std::u16string& t
 
 std::optional<platform::Bytes>
 ZelDocumentController::doConvertProcessEncoding(std::u16string_view text,
-                                                OrvEncodingInfo srcEncodingInfo) const {
-    return OrvTextUtility::instance()->dataWithString(text, targetEncodingInfo(srcEncodingInfo));
+                                                OrvEncodingInfo srcEncodingInfo,
+                                                platform::Alterations& alterations) const {
+    return OrvTextUtility::instance()->dataWithString(text, targetEncodingInfo(srcEncodingInfo),
+                                                      alterations);
 }
 
 OrvEncodingInfo ZelDocumentController::encodingInfoOfSettings() const {

@@ -112,6 +112,11 @@ void ZelDocumentController::setBatchFinishedHandler(std::function<void()> handle
     _batch->finishedHandler = std::move(handler);
 }
 
+void ZelDocumentController::setLostCharactersHandler(
+    std::function<void(const LostCharacters&)> handler) {
+    _batch->lostCharactersHandler = std::move(handler);
+}
+
 bool ZelDocumentController::releaseContents() {
     if (!_wakeupConversionThread)
         return true;
@@ -189,6 +194,14 @@ void ZelDocumentController::finishBatch(uint64_t wakeupsSeen) const {
         current->wakeupsFinished = wakeupsSeen;
         if (current->finishedHandler)
             current->finishedHandler();
+    });
+}
+
+void ZelDocumentController::tellLostCharacters(LostCharacters lost) const {
+    _services.mainLoop.mainQueue().async([batch = std::weak_ptr(_batch), lost = std::move(lost)] {
+        const auto current = batch.lock();
+        if (current && current->lostCharactersHandler)
+            current->lostCharactersHandler(lost);
     });
 }
 

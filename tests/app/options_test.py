@@ -60,6 +60,7 @@ REFUSED = [
     (["--ext", "txt,"], "Bad value for --ext: txt,"),
     (["--backup", ""], "Bad value for --backup: "),
     (["--log="], "Bad value for --log: "),
+    (["--report="], "Bad value for --report: "),
     (["--bogus"], "Unknown option: --bogus"),
     (["-x"], "Unknown option: -x"),
     (["--bom=NO"], "Option takes no value: --bom"),
@@ -170,6 +171,30 @@ class OptionsTest(console_case.ConsoleCase):
         self.assertEqual([line.split(" ")[2:4] for line in lines],
                          [["Backup", "Success"], ["Conversion", "Success"]] * 2)
         self.assertIn("Encoding:Shift_JIS->UTF-8", lines[1])
+
+    def test_lost_characters_are_counted_and_reported(self):
+        text = "表\r\nか\u3099é\n🐱, 表\u3000🐱"
+        self.write(b"a\t.txt", text.encode())
+        self.write(b"b.txt", SOURCE)
+        for options, last_line in [(["--report", "lost.tsv"], b"2 converted, 0 failed, 3 characters not kept"),
+                                   (["--report=lost.tsv", "--encoding=utf-8"], None)]:
+            before = self.tree()
+            run = self.convert("--encoding", "shift_jis", *options, "a\t.txt", "b.txt")
+            self.assert_run(run, 0 if last_line else 2, last_line)
+            if not last_line:
+                self.assertIn(b"this exists: " + self.path(b"lost.tsv"), run.stderr)
+                self.assertEqual(self.tree(), before)
+        self.assertEqual(self.read(b"a\t.txt").decode("cp932"), "表\r\nがe\n?, 表\u3000?")
+        name = self.path(b"a\\t.txt").decode()
+        self.assertEqual([line.split("\t") for line in self.read(b"lost.tsv").decode().splitlines()],
+                         [[name, "2", "3", "U+00E9", "e"], [name, "3", "1", "U+1F431", "?"],
+                          [name, "3", "6", "U+1F431", "?"]])
+
+    def test_without_the_report_that_was_asked_for_nothing_is_converted(self):
+        self.write(b"a.txt", SOURCE)
+        run = self.convert("--report", "nowhere/lost.tsv", "a.txt")
+        self.assert_run(run, 1, b"0 converted, 1 failed")
+        self.assertEqual(self.tree(), {b"a.txt": SOURCE})
 
     def test_words(self):
         for language, summary, usage in [("C", "1 converted, 0 failed", "Usage: "),
