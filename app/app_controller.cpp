@@ -32,9 +32,20 @@ bool ZelAppController::applicationOpenFile(const std::string& path) {
 void ZelAppController::applicationOpenFiles(const std::vector<std::string>& paths) {
     if (!_documentController)
         return;
-    for (const auto& path : paths)
-        _documentController->openDocumentWithContentsOfFile(path);
-    _documentController->wakeupThreadIfNeed();
+    _batches.push_back(paths);
+    if (_batches.size() > 1) // come while the first is being backed up: its caller sees to it
+        return;
+    for (; !_batches.empty(); _batches.pop_front())
+        openBatch(_batches.front());
+}
+
+void ZelAppController::openBatch(const std::vector<std::string>& paths) {
+    // Who leaves during a long backup does not wait for those still to be made.
+    const auto isLeaving = [this] { return _services.engine.userInterface.isTerminating(); };
+    for (auto path = paths.begin(); path != paths.end() && !isLeaving(); ++path)
+        _documentController->openDocumentWithContentsOfFile(*path);
+    if (!isLeaving())
+        _documentController->wakeupThreadIfNeed();
 }
 
 platform::TerminateReply ZelAppController::applicationShouldTerminate() {

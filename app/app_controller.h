@@ -7,6 +7,7 @@
 #include "platform/ui/application_delegate.h"
 #include "platform/ui/panels.h"
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -66,10 +67,12 @@ class ZelAppController : public platform::ApplicationDelegate {
     [[nodiscard]] bool hasAbandonedWorker() const { return _hasAbandonedWorker; }
 
   private:
+    void openBatch(const std::vector<std::string>& paths);
     void alert(std::string_view key);
 
     AppServices _services;
     std::unique_ptr<ZelDocumentController> _documentController;
+    std::deque<std::vector<std::string>> _batches; ///< the first one is in hand
     bool _hasAbandonedWorker = false;
 };
 

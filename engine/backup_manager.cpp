@@ -6,6 +6,7 @@
 #include "platform/text/utf8.h"
 
 #include <cerrno>
+#include <new>
 
 namespace zelmora {
 
@@ -26,14 +27,9 @@ bool BackupManager::backupPath(const std::string& path) {
 
     auto progressWindow = allocProgressWindow();
     _modalSession = _services.userInterface.beginModalSessionForWindow(progressWindow->window());
-    const auto folder =
-        platform::expandingTilde(defaults.stringForKey(settings::backupDataDir).value_or(""));
-    std::optional<std::string> dstPath;
-    platform::Status status;
-    if (folder.empty())
-        status = platform::Error::fromErrno(ENOENT, folder, "backup folder");
-    else if (dstPath = dstPathForSrcPath(path, folder); dstPath)
-        status = copy(path, *dstPath, folder);
+    Backup backup;
+    _modalSession->run([&] { backup = makeBackup(path); });
+    const auto& [dstPath, status] = backup;
     _modalSession.reset();
     progressWindow->close();
     progressWindow.reset();
@@ -43,6 +39,22 @@ bool BackupManager::backupPath(const std::string& path) {
     if (!status.ok())
         alertFailure(path, status.error());
     return status.ok();
+}
+
+BackupManager::Backup BackupManager::makeBackup(const std::string& path) {
+    const auto folder = platform::expandingTilde(
+        _services.defaults.stringForKey(settings::backupDataDir).value_or(""));
+    if (folder.empty())
+        return {std::nullopt, platform::Error::fromErrno(ENOENT, folder, "backup folder")};
+    Backup backup;
+    try {
+        backup.dstPath = dstPathForSrcPath(path, folder);
+        if (backup.dstPath)
+            backup.status = copy(path, *backup.dstPath, folder);
+    } catch (const std::bad_alloc&) {
+        backup.status = platform::Error::fromErrno(ENOMEM, path, "backup");
+    }
+    return backup;
 }
 
 std::optional<std::string> BackupManager::dstPathForSrcPath(const std::string& srcPath,

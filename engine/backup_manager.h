@@ -10,14 +10,15 @@
 
 namespace zelmora {
 
-/// Copies a path, a folder with everything in it, into the backup folder. Main thread only; blocks
-/// until the copy is done, behind a progress window of its own.
+/// Copies a path, a folder with everything in it, into the backup folder. Main thread only. Behind
+/// a progress window of its own, in whose modal session the files are worked on: events are handled
+/// meanwhile, but for the user's input to other windows.
 class BackupManager {
   public:
     explicit BackupManager(const EngineServices& services) : _services(services) {}
 
     /// YES when `path` may be converted: it is backed up, or needs no backup. NO after a failure,
-    /// which the user has been told.
+    /// which the user has been told. REQUIRES: no backup is running (see ModalSession::run).
     bool backupPath(const std::string& path);
 
     /// The path that the copy of `srcPath` is to take in `dstDirectory`; nullopt when its name is
@@ -30,6 +31,13 @@ class BackupManager {
     [[nodiscard]] std::unique_ptr<ProgressWindow> allocProgressWindow();
 
   private:
+    struct Backup {
+        std::optional<std::string> dstPath; ///< none: there was nothing to copy, or nowhere to
+        platform::Status status;
+    };
+
+    /// Any thread; does not throw.
+    [[nodiscard]] Backup makeBackup(const std::string& path);
     [[nodiscard]] platform::Status copy(const std::string& srcPath, const std::string& dstPath,
                                         const std::string& dstDirectory);
     [[nodiscard]] std::string numberedPath(const std::string& srcPath,

@@ -4,12 +4,14 @@
 #include "platform/desktop/qt_interface.h"
 #include "platform/text/path_string.h"
 
+#include <QEventLoop>
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace zelmora::platform {
@@ -25,13 +27,17 @@ void setTexts(QMessageBox& box, const std::string& message, const std::string& i
         label->setTextFormat(Qt::PlainText);
 }
 
-void showAlert(const Alert& alert) {
-    QMessageBox box(QApplication::activeWindow());
-    box.setIcon(QMessageBox::Warning);
-    setTexts(box, alert.messageText, alert.informativeText);
-    box.addButton(QMessageBox::Ok);
-    box.exec();
-}
+/// Refuses what a window manager asks for by a key or a menu of its own.
+class CloseRefusal final : public QObject {
+  public:
+    using QObject::QObject;
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::Close)
+            return false;
+        event->ignore();
+        return true;
+    }
+};
 
 /// The window that a panel belongs to; none is allowed.
 QWidget* widgetOf(Window* window) {
@@ -49,12 +55,26 @@ std::string startFolder(const std::string& directoryPath) {
 /// While it lives, its window alone takes input.
 class DesktopUserInterface::Session final : public ModalSession {
   public:
-    Session(DesktopUserInterface& owner, QWidget* window) : _busy(owner), _window(window) {
+    Session(DesktopUserInterface& owner, QWidget* window)
+        : _owner(owner), _busy(owner), _window(window) {
+        ++_owner._sessionCount;
         setModality(Qt::ApplicationModal);
-        // The caller is about to keep the main thread: let the window be drawn before.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     }
-    ~Session() override { setModality(Qt::NonModal); }
+    ~Session() override {
+        setModality(Qt::NonModal);
+        if (--_owner._sessionCount == 0)
+            _owner.showAlertsLater();
+    }
+
+    void run(const std::function<void()>& work) override {
+        QEventLoop loop;
+        std::thread worker([&] {
+            work();
+            QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+        });
+        loop.exec();
+        worker.join(); // the loop may also have been ended by someone else
+    }
 
   private:
     /// A window takes its modality over when it is shown.
@@ -65,22 +85,33 @@ class DesktopUserInterface::Session final : public ModalSession {
         _window->setVisible(isVisible);
     }
 
+    DesktopUserInterface& _owner;
     Busy _busy;
     QWidget* _window;
 };
 
 void DesktopUserInterface::runModal(const Alert& alert) {
-    _waitingAlerts.push_back(alert);
-    if (_isAlertShown)
-        return;
-    const Busy busy(*this);
-    _isAlertShown = true;
-    while (!_waitingAlerts.empty()) {
-        const Alert next = std::move(_waitingAlerts.front());
-        _waitingAlerts.pop_front();
-        showAlert(next);
+    if (!_alerts) {
+        _alerts = std::make_unique<MessageListWindow>();
+        QObject::connect(_alerts.get(), &QDialog::finished, [this] { _busyWithAlerts.reset(); });
     }
-    _isAlertShown = false;
+    if (!_busyWithAlerts)
+        _busyWithAlerts.emplace(*this);
+    _alerts->add(alert.messageText, alert.informativeText);
+    showAlertsLater();
+}
+
+void DesktopUserInterface::showAlertsLater() {
+    if (!_alerts)
+        return;
+    // Not before the loop has its turn again: a batch whose every backup fails is one list.
+    QMetaObject::invokeMethod(
+        _alerts.get(),
+        [this] {
+            if (_sessionCount == 0 && !_alerts->isEmpty() && !_alerts->isVisible())
+                _alerts->showInFront();
+        },
+        Qt::QueuedConnection);
 }
 
 std::unique_ptr<LoadedInterface> DesktopUserInterface::loadInterface(std::string_view name) {
@@ -88,6 +119,7 @@ std::unique_ptr<LoadedInterface> DesktopUserInterface::loadInterface(std::string
     // Its buttons decide when it closes: a progress window closed by its frame would go unseen on.
     auto* widget = widgetOf(&loaded->window());
     widget->setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    widget->installEventFilter(new CloseRefusal(widget));
     return loaded;
 }
 
@@ -96,8 +128,10 @@ std::unique_ptr<LoadedForm> DesktopUserInterface::loadForm(std::string_view name
                                   _services.defaults);
     if (form.ok())
         return std::move(*form);
-    runModal(
-        {QCoreApplication::translate("", "InvalidPackage").toStdString(), form.error().message});
+    MessageListWindow alert;
+    alert.add(QCoreApplication::translate("", "InvalidPackage").toStdString(),
+              form.error().message);
+    alert.exec();
     qFatal("%s", form.error().message.c_str());
 }
 
@@ -106,16 +140,15 @@ std::unique_ptr<ModalSession> DesktopUserInterface::beginModalSessionForWindow(W
 }
 
 void DesktopUserInterface::terminate() {
+    _shouldTerminate = true;
     _services.application.runLoop().mainQueue().async([this] {
-        if (_busyCount > 0)
-            _shouldTerminate = true;
-        else
+        if (_busyCount == 0 && std::exchange(_shouldTerminate, false))
             _services.application.terminate();
     });
 }
 
 void DesktopUserInterface::endBusy() {
-    if (--_busyCount == 0 && std::exchange(_shouldTerminate, false))
+    if (--_busyCount == 0 && _shouldTerminate)
         terminate();
 }
 

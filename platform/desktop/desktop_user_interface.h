@@ -4,12 +4,13 @@
 #include "platform/defaults/bundle.h"
 #include "platform/defaults/user_defaults.h"
 #include "platform/desktop/desktop_application.h"
+#include "platform/desktop/message_list_window.h"
 #include "platform/ui/controls.h"
 #include "platform/ui/panels.h"
 #include "platform/ui/user_interface.h"
 
-#include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,10 @@ namespace zelmora::platform {
 
 /// The desktop's face. Main thread only.
 ///
-/// Alerts are shown one at a time. Other work goes on behind one, so more may come: these wait in
-/// line, and runModal() returns at once for them, since only the first caller can be kept waiting
-/// without piling up a loop for each. The application does not end while an alert, a question, a
-/// panel or a modal session is open: terminate() then waits for its close.
+/// Alerts gather in one window, which opens from the event loop as soon as no modal session is
+/// open; runModal() keeps nobody waiting, for other work goes on behind it and brings more of them.
+/// The application does not end while an alert, a question, a panel or a modal session is open:
+/// terminate() then waits for its close.
 class DesktopUserInterface final : public UserInterface, public Panels {
   public:
     /// What interfaces are loaded with and bound to, and what is to be ended; borrowed.
@@ -38,6 +39,7 @@ class DesktopUserInterface final : public UserInterface, public Panels {
     std::unique_ptr<LoadedForm> loadForm(std::string_view name);
     std::unique_ptr<ModalSession> beginModalSessionForWindow(Window& window) override;
     void terminate() override;
+    [[nodiscard]] bool isTerminating() const override { return _shouldTerminate; }
 
     std::vector<std::string> runOpenPanel(const OpenPanel& panel, Window* sheetParent) override;
     std::optional<std::string> runSavePanel(const SavePanel& panel, Window* sheetParent) override;
@@ -58,12 +60,14 @@ class DesktopUserInterface final : public UserInterface, public Panels {
     };
 
     void endBusy();
+    void showAlertsLater();
 
     Services _services;
-    std::deque<Alert> _waitingAlerts; ///< the one shown, if any, is no longer in it
-    bool _isAlertShown = false;
     int _busyCount = 0;
-    bool _shouldTerminate = false; ///< as soon as nothing is open
+    int _sessionCount = 0;
+    bool _shouldTerminate = false;              ///< as soon as nothing is open
+    std::optional<Busy> _busyWithAlerts;        ///< from the first alert to their dismissal
+    std::unique_ptr<MessageListWindow> _alerts; ///< null until there is one
 };
 
 } // namespace zelmora::platform

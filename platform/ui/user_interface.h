@@ -62,6 +62,11 @@ class LoadedInterface {
 class ModalSession {
   public:
     virtual ~ModalSession() = default;
+    /// Carries out `work`, which may take long, and returns once it is done. A front-end with an
+    /// event loop keeps the window alive meanwhile: it runs `work`, which must not throw, on
+    /// another thread, and on this one whatever comes up, so what must not begin in the middle of
+    /// the caller has to be put off by whoever would begin it.
+    virtual void run(const std::function<void()>& work) { work(); }
 };
 
 /// A message the user must see; the second text names what it is about. One line each.
@@ -75,13 +80,17 @@ class UserInterface {
   public:
     virtual ~UserInterface() = default;
 
-    /// Shows `alert` and returns once the user has dismissed it (a terminal: once it is written).
+    /// Tells the user `alert`. A terminal has written it when this returns; a desktop shows it as
+    /// soon as nothing else is in hand, together with what else it was told by then, lets nothing
+    /// else have the user's input until it is dismissed, and does not end before.
     virtual void runModal(const Alert& alert) = 0;
     /// Loads the interface description `name`; never null.
     virtual std::unique_ptr<LoadedInterface> loadInterface(std::string_view name) = 0;
     virtual std::unique_ptr<ModalSession> beginModalSessionForWindow(Window& window) = 0;
     /// Ends the application, through its termination sequence. Returns before that has run.
     virtual void terminate() = 0;
+    /// Whether terminate() was called and waits for what is in hand: nothing more should begin.
+    [[nodiscard]] virtual bool isTerminating() const { return false; }
 };
 
 } // namespace zelmora::platform

@@ -84,6 +84,7 @@ TEST_F(DesktopTest, SaysWhenTheManualCannotBeOpened) {
         answerBoxes("OK");
         boxTexts.clear();
         controller.openManual();
+        runUntil([&] { return !boxTexts.empty(); });
         EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("InvalidPackage")}))
             << (hasManual ? "no program took it" : "there is none");
     }

@@ -63,13 +63,16 @@ void DesktopTest::answerBoxes(const std::string& title) {
 }
 
 void DesktopTest::answerShownBox() {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (!box)
+    auto* shown = QApplication::activeModalWidget();
+    const auto* question = qobject_cast<QMessageBox*>(shown);
+    const auto* alerts = dynamic_cast<platform::MessageListWindow*>(shown);
+    if (!question && !alerts)
         return;
-    for (auto* button : box->buttons()) {
+    for (auto* button : shown->findChildren<QAbstractButton*>()) {
         if (button->text().remove('&').toStdString() != _answer)
             continue;
-        boxTexts.push_back(box->text().toStdString());
+        boxTexts.push_back(
+            (question ? question->text() : alerts->text().section('\n', 0, 0)).toStdString());
         button->click();
         return;
     }

@@ -35,8 +35,8 @@ class DesktopTest : public ::testing::Test {
     [[nodiscard]] AppServices services();
     /// Runs events until `condition` holds; NO when it still does not after 20 seconds.
     static bool runUntil(const std::function<bool()>& condition);
-    /// From now on answers message boxes with the button titled `title` as they come, and notes
-    /// their texts in `boxTexts`.
+    /// From now on answers questions and alerts with the button titled `title` as they come, and
+    /// notes the first line of each in `boxTexts`.
     void answerBoxes(const std::string& title);
 
     TemporaryDirectory folder;

@@ -6,9 +6,11 @@
 #include "platform/desktop/open_panel_dialog.h"
 
 #include <QAbstractButton>
+#include <QClipboard>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QTimer>
+#include <QTreeWidget>
 #include <gmock/gmock.h>
 
 namespace zelmora::test {
@@ -81,7 +83,7 @@ TEST_F(DesktopTest, DropsOfLocalItemsArriveByteForByte) {
     }
 }
 
-TEST_F(DesktopTest, AlertsStandInLineAndTheEndWaitsForThem) {
+TEST_F(DesktopTest, AlertsGatherInOneWindowAndTheEndWaitsForIt) {
     struct Delegate final : platform::ApplicationDelegate {
         void applicationWillFinishLaunching() override {}
         bool applicationOpenUntitledFile() override { return true; }
@@ -92,30 +94,47 @@ TEST_F(DesktopTest, AlertsStandInLineAndTheEndWaitsForThem) {
             return platform::TerminateReply::cancel;
         }
         bool isAsked = false;
-    } delegate;
-    application.setDelegate(delegate);
-    bool isWorkDone = false;
-    auto& queue = application.runLoop().mainQueue();
-    for (const char* message : {"<b>one", "two", "three"})
-        queue.async([this, message] { userInterface.runModal({message, "why"}); });
-    queue.async([&] {
-        isWorkDone = true;
-        userInterface.terminate();
-    });
-    std::vector<std::string> seen;
-    QTimer user;
-    QObject::connect(&user, &QTimer::timeout, [&] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box || !isWorkDone) // other work goes on behind the first alert
-            return;
-        seen.push_back(box->text().toStdString());
-        EXPECT_EQ(box->textFormat(), Qt::PlainText);
-        EXPECT_FALSE(delegate.isAsked) << "while " << seen.back() << " is open";
-        box->accept();
-    });
-    user.start(5);
-    EXPECT_TRUE(runUntil([&] { return delegate.isAsked; }));
-    EXPECT_EQ(seen, (std::vector<std::string>{"<b>one", "two", "three"}));
+    };
+    for (const size_t count : {1U, 2U, 500U}) {
+        SCOPED_TRACE(count);
+        Delegate delegate;
+        application.setDelegate(delegate);
+        QString expected = "<b>one kind\n";
+        const auto tell = [&](size_t from, size_t to) {
+            for (size_t i = from; i < to; ++i)
+                userInterface.runModal({"<b>one kind", std::to_string(i) + "<br>"});
+        };
+        for (size_t i = 0; i < count; ++i)
+            expected += "\t" + QString::number(i) + "<br>\n";
+        auto& queue = application.runLoop().mainQueue();
+        queue.async([&] { tell(0, (count + 1) / 2); });
+        queue.async([&] { userInterface.terminate(); });
+        int dismissals = 0;
+        QTimer user;
+        QObject::connect(&user, &QTimer::timeout, [&] {
+            auto* window =
+                dynamic_cast<platform::MessageListWindow*>(QApplication::activeModalWidget());
+            if (!window)
+                return;
+            tell((count + 1) / 2, count); // the rest comes while it is open
+            EXPECT_FALSE(delegate.isAsked);
+            EXPECT_EQ(window->text(), expected);
+            const auto* list = window->findChild<QTreeWidget*>();
+            EXPECT_EQ(list->isVisible(), count > 1);
+            for (const auto* label : window->findChildren<QLabel*>())
+                EXPECT_TRUE(!label->pixmap().isNull() || label->textFormat() == Qt::PlainText);
+            for (auto* button : window->findChildren<QAbstractButton*>()) {
+                if (button->text().contains("Copy"))
+                    button->click();
+            }
+            EXPECT_EQ(QApplication::clipboard()->text(), expected);
+            ++dismissals;
+            window->accept();
+        });
+        user.start(5);
+        EXPECT_TRUE(runUntil([&] { return delegate.isAsked; }));
+        EXPECT_EQ(dismissals, 1);
+    }
 }
 
 TEST_F(DesktopTest, TheOpenPanelOffersFilesAndFoldersWithAnyNames) {

@@ -1,0 +1,157 @@
+// A backup that takes long: the window stays alive, and what comes meanwhile waits for its turn.
+
+#include "desktop_fixture.h"
+#include "engine/settings.h"
+#include "tests/support/faulty_file_manager.h"
+
+#include <QProgressBar>
+#include <QTimer>
+#include <chrono>
+#include <future>
+#include <gmock/gmock.h>
+
+namespace zelmora::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+/// Counts how often the widgets it watches are drawn.
+class PaintCounter final : public QObject {
+  public:
+    bool eventFilter(QObject*, QEvent* event) override {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    int count = 0;
+};
+
+/// The first copy waits in the middle of it, until `release` is called or five seconds are over.
+class SlowBackupTest : public DesktopTest {
+  protected:
+    SlowBackupTest() {
+        for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt"})
+            folder.writeFile(name, "\x82\xa0\n");
+        defaults.setValueForThisRun(true, settings::autoBackup);
+        defaults.setObject(folder / "backup", settings::backupDataDir);
+        slowFiles.setHook([this](const FaultyFileManager::Operation& operation) {
+            if (operation.name != "copyItemAtPath" || !std::exchange(isNextCopySlow, false))
+                return;
+            hasBegun = true;
+            released.get_future().wait_for(std::chrono::seconds(5));
+        });
+        application.setDelegate(controller);
+        QObject::connect(&during, &QTimer::timeout, [this] {
+            if (hasBegun && whileCopying)
+                std::exchange(whileCopying, nullptr)();
+        });
+        during.start(1);
+    }
+    void release() { released.set_value(); }
+    /// The copies and conversions in their order: "copy a.txt", "read a.txt".
+    [[nodiscard]] std::vector<std::string> steps() const {
+        std::vector<std::string> steps;
+        for (const auto& [name, path] : slowFiles.operations()) {
+            if (!path.starts_with(folder.path() + "/"))
+                continue;
+            const auto item = path.substr(folder.path().size() + 1);
+            if (name == "copyItemAtPath")
+                steps.push_back("copy " + item);
+            else if (name == "contentsAtPath")
+                steps.push_back("read " + item);
+        }
+        return steps;
+    }
+
+    FaultyFileManager slowFiles{platform::FileManager::defaultManager()};
+    bool isNextCopySlow = true;
+    std::atomic<bool> hasBegun = false;
+    std::promise<void> released;
+    std::function<void()> whileCopying; ///< called once, from a timer of the main loop
+    QTimer during;
+    ZelAppController controller{
+        {{defaults, slowFiles, strings, application.runLoop(), userInterface},
+         userInterface,
+         workspace,
+         bundle,
+         {},
+         nullptr}};
+};
+
+TEST_F(SlowBackupTest, TheWindowIsDrawnAndTheOthersTakeNoInput) {
+    PaintCounter paints;
+    QWidget other;
+    other.show();
+    bool hasTicked = false;
+    whileCopying = [&] {
+        hasTicked = true;
+        auto* window = QApplication::activeModalWidget();
+        ASSERT_NE(window, nullptr);
+        EXPECT_TRUE(window->isVisible());
+        EXPECT_EQ(window->windowModality(), Qt::ApplicationModal);
+        auto* bar = window->findChild<QProgressBar*>();
+        bar->installEventFilter(&paints);
+        bar->update();
+        EXPECT_TRUE(runUntil([&] { return paints.count > 0; }));
+        window->close(); // as a window manager may ask it to
+        EXPECT_TRUE(window->isVisible());
+        release();
+    };
+    controller.applicationWillFinishLaunching();
+    controller.applicationOpenFiles({folder / "a.txt"});
+    EXPECT_TRUE(hasTicked);
+    EXPECT_TRUE(runUntil([&] { return readFile(folder / "a.txt") == "あ\n"; }));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
+}
+
+TEST_F(SlowBackupTest, WhatIsDroppedMeanwhileIsHandledAfterwardsInOrder) {
+    whileCopying = [&] {
+        controller.applicationOpenFiles({folder / "c.txt"});
+        controller.applicationOpenFile(folder / "d.txt");
+        EXPECT_THAT(steps(), ElementsAre()) << "the copy in hand is noted at its end";
+        release();
+    };
+    controller.applicationWillFinishLaunching();
+    controller.applicationOpenFiles({folder / "a.txt", folder / "b.txt"});
+    EXPECT_TRUE(runUntil([&] { return readFile(folder / "d.txt") == "あ\n"; }));
+    std::vector<std::string> copies;
+    for (const auto& step : steps()) {
+        if (step.starts_with("copy"))
+            copies.push_back(step);
+        else if (copies.size() < 2)
+            ADD_FAILURE() << step << " before its whole batch was backed up";
+    }
+    EXPECT_THAT(copies, ElementsAre("copy a.txt", "copy b.txt", "copy c.txt", "copy d.txt"));
+    EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
+}
+
+TEST_F(SlowBackupTest, QuittingWaitsForTheCopyInHandAndBeginsNoOther) {
+    whileCopying = [&] {
+        userInterface.terminate();
+        controller.applicationOpenFiles({folder / "c.txt"});
+        QTimer::singleShot(20, [this] { release(); });
+    };
+    EXPECT_EQ(application.run({folder / "a.txt", folder / "b.txt"}), 0);
+    EXPECT_THAT(steps(), ElementsAre("copy a.txt"));
+    EXPECT_EQ(readFile(folder / "backup/a.txt"), "\x82\xa0\n");
+    EXPECT_EQ(readFile(folder / "a.txt"), "\x82\xa0\n");
+}
+
+TEST_F(SlowBackupTest, AnAlertThatComesMeanwhileWaitsAndJoinsThoseOfTheBatch) {
+    isNextCopySlow = true;
+    whileCopying = [&] {
+        userInterface.runModal({"of the worker", "one"});
+        QTimer::singleShot(20, [this] { release(); });
+    };
+    controller.applicationWillFinishLaunching();
+    answerBoxes("OK");
+    controller.applicationOpenFiles({folder / "a.txt", folder / "gone.txt", folder / "lost.txt"});
+    EXPECT_EQ(boxTexts, std::vector<std::string>()) << "shown in the middle of the batch";
+    EXPECT_TRUE(runUntil([&] { return !boxTexts.empty(); }));
+    EXPECT_THAT(boxTexts, ElementsAre("of the worker"));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
+}
+
+} // namespace
+} // namespace zelmora::test
