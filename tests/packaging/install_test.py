@@ -17,13 +17,18 @@ ID = "org.zelmora.Zelmora"
 FILES = f"""
 bin/zelmora bin/zelmora-convert
 share/applications/{ID}.desktop
+share/bash-completion/completions/zelmora share/bash-completion/completions/zelmora-convert
 share/dbus-1/services/{ID}.service
 share/doc/zelmora/LICENSE share/doc/zelmora/README.md
+share/fish/vendor_completions.d/zelmora.fish share/fish/vendor_completions.d/zelmora-convert.fish
 share/icons/hicolor/scalable/apps/{ID}.svg
+share/man/ja/man1/zelmora.1 share/man/ja/man1/zelmora-convert.1
+share/man/man1/zelmora.1 share/man/man1/zelmora-convert.1
 share/metainfo/{ID}.metainfo.xml
 share/zelmora/Preferences.ui share/zelmora/Progress.ui share/zelmora/UserDefaults.plist
 share/zelmora/en.lproj/Localizable.strings
 share/zelmora/ja.lproj/Localizable.strings
+share/zsh/site-functions/_zelmora share/zsh/site-functions/_zelmora-convert
 """
 
 
