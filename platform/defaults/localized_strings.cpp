@@ -1,5 +1,6 @@
 #include "platform/defaults/localized_strings.h"
 
+#include "platform/text/text_encoding.h"
 #include "platform/text/unicode_codecs.h"
 #include "platform/text/utf8.h"
 
@@ -168,7 +169,7 @@ std::optional<Placeholder> placeholderAtStart(std::string_view text) {
 } // namespace
 
 Result<LocalizedStrings> LocalizedStrings::parse(std::string_view text, std::string_view name) {
-    if (!decodeUTF8(bytesOf(text)))
+    if (!decodeText(bytesOf(text), TextEncoding::utf8))
         return Error{EINVAL, std::string(name) + ": not UTF-8"};
     Parser parser(text);
     auto table = parser.table();

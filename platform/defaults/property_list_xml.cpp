@@ -4,7 +4,7 @@
 // read wrongly would be saved wrongly, so the source is scanned for all of that first.
 #include "platform/defaults/property_list.h"
 
-#include "platform/text/unicode_codecs.h"
+#include "platform/text/text_encoding.h"
 #include "platform/text/utf8.h"
 
 #include <algorithm>
@@ -35,7 +35,7 @@ struct XMLRelease {
 
 /// Whether `text` is UTF-8 and holds only characters that XML 1.0 can.
 bool isXMLText(std::string_view text) {
-    const auto decoded = decodeUTF8(bytesOf(text));
+    const auto decoded = decodeText(bytesOf(text), TextEncoding::utf8);
     return decoded && std::ranges::none_of(*decoded, [](char16_t unit) {
                const bool isSpace = unit == u'\t' || unit == u'\n' || unit == u'\r';
                return (unit < 0x20 && !isSpace) || unit == 0xFFFE || unit == 0xFFFF;

@@ -1,14 +1,14 @@
 // Runs a codec's inner loop over a text chunk by chunk. The loop writes to a small buffer that
 // stays in the cache and is large enough for whatever a chunk can become, so it need not check for
-// room; the result is reserved once, and never filled with zeroes first.
+// room; the result is never filled with zeroes first.
 #pragma once
 
-#include "platform/text/bytes.h"
+#include "platform/text/text_coders.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
 
 namespace zelmora::platform {
@@ -18,23 +18,37 @@ using Octet = unsigned char;
 constexpr std::ptrdiff_t kChunk = 4096; ///< bytes or units of input
 constexpr std::ptrdiff_t kStraddle = 8; ///< the most that the last character reaches past its chunk
 
-/// Decodes `bytes` with `step(in, stop, end, out)`, which moves `in` to `stop` or past it, where a
+/// Decodes with `step(in, stop, end, out)`, which moves `in` to `stop` or past it, where a
 /// character straddles it, and `out` past what it wrote; it answers false at an invalid code.
 /// A byte becomes at most `unitsPerByte` units.
 template<size_t unitsPerByte, typename Step>
-std::optional<std::u16string> decodeInChunks(ByteView bytes, Step step) {
-    std::array<char16_t, unitsPerByte*(kChunk + kStraddle)> units;
-    std::u16string text;
-    text.reserve(bytes.size());
-    const Octet* in = reinterpret_cast<const Octet*>(bytes.data());
-    const Octet* const end = in + bytes.size();
-    while (in != end) {
-        char16_t* out = units.data();
-        if (!step(in, in + std::min(kChunk, end - in), end, out))
-            return std::nullopt;
-        text.append(units.data(), out);
+class ChunkDecoder final : public TextDecoder {
+  public:
+    explicit ChunkDecoder(Step step) : _step(step) {}
+
+    bool decode(ByteView& bytes, size_t count, std::u16string& text) override {
+        std::array<char16_t, unitsPerByte*(kChunk + kStraddle)> units;
+        const Octet* const begin = reinterpret_cast<const Octet*>(bytes.data());
+        const Octet* const end = begin + bytes.size();
+        const Octet* const stop = begin + std::min(count, bytes.size());
+        const Octet* in = begin;
+        while (in < stop) {
+            char16_t* out = units.data();
+            if (!_step(in, in + std::min(kChunk, stop - in), end, out))
+                return false;
+            text.append(units.data(), out);
+        }
+        bytes = bytes.subspan(static_cast<size_t>(in - begin));
+        return true;
     }
-    return text;
+
+  private:
+    Step _step;
+};
+
+template<size_t unitsPerByte, typename Step>
+std::unique_ptr<TextDecoder> makeChunkDecoder(Step step) {
+    return std::make_unique<ChunkDecoder<unitsPerByte, Step>>(step);
 }
 
 /// Encodes the units from `in` to `end` with `step(in, stop, end, out)`, likewise, and appends the

@@ -95,7 +95,7 @@ bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t*, 
     return encodes;
 }
 
-class EUCJPEncoder : public LegacyEncoder {
+class EUCJPEncoder : public TextEncoder {
   public:
     const char16_t* encode(const char16_t* in, const char16_t* end, Bytes& out) override {
         return encodeInChunks<3>(in, end, out, encodeStep);
@@ -105,11 +105,11 @@ class EUCJPEncoder : public LegacyEncoder {
 
 } // namespace
 
-std::optional<std::u16string> decodeEUCJP(ByteView bytes) {
-    return decodeInChunks<1>(bytes, decodeStep);
+std::unique_ptr<TextDecoder> makeEUCJPDecoder() {
+    return makeChunkDecoder<1>(decodeStep);
 }
 
-std::unique_ptr<LegacyEncoder> makeEUCJPEncoder() {
+std::unique_ptr<TextEncoder> makeEUCJPEncoder() {
     return std::make_unique<EUCJPEncoder>();
 }
 

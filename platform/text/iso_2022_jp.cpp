@@ -210,7 +210,7 @@ bool encodeStep(Set& current, const char16_t*& source, const char16_t* stop, Oct
     return encodes;
 }
 
-class ISO2022JPEncoder : public LegacyEncoder {
+class ISO2022JPEncoder : public TextEncoder {
   public:
     const char16_t* encode(const char16_t* in, const char16_t* end, Bytes& out) override {
         constexpr size_t kLongest = 6; // four bytes of escape sequence and two of character
@@ -237,15 +237,13 @@ class ISO2022JPEncoder : public LegacyEncoder {
 
 } // namespace
 
-std::optional<std::u16string> decodeISO2022JP(ByteView bytes) {
-    Set set = Set::ascii;
-    return decodeInChunks<1>(
-        bytes, [&set](const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
-            return decodeStep(set, in, stop, end, out);
-        });
+std::unique_ptr<TextDecoder> makeISO2022JPDecoder() {
+    return makeChunkDecoder<1>(
+        [set = Set::ascii](const Octet*& in, const Octet* stop, const Octet* end,
+                           char16_t*& out) mutable { return decodeStep(set, in, stop, end, out); });
 }
 
-std::unique_ptr<LegacyEncoder> makeISO2022JPEncoder() {
+std::unique_ptr<TextEncoder> makeISO2022JPEncoder() {
     return std::make_unique<ISO2022JPEncoder>();
 }
 

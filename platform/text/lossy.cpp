@@ -83,7 +83,7 @@ utf8proc_int32_t nextCodePoint(const char16_t*& in, const char16_t* end) {
 
 class LossyPass {
   public:
-    LossyPass(std::u16string_view text, LegacyEncoder& encoder, Alterations& alterations)
+    LossyPass(std::u16string_view text, TextEncoder& encoder, Alterations& alterations)
         : _encoder(encoder), _alterations(alterations), _begin(text.data()), _in(_begin),
           _end(_in + text.size()) {
         _bytes.reserve(2 * text.size());
@@ -201,7 +201,7 @@ class LossyPass {
                writeHeldForm(parts[0]);
     }
 
-    LegacyEncoder& _encoder;
+    TextEncoder& _encoder;
     Alterations& _alterations;
     const char16_t* const _begin;
     const char16_t* _in;
@@ -212,7 +212,7 @@ class LossyPass {
 
 } // namespace
 
-Bytes encodeLossily(std::u16string_view text, LegacyEncoder& encoder, Alterations& alterations) {
+Bytes encodeLossily(std::u16string_view text, TextEncoder& encoder, Alterations& alterations) {
     return LossyPass(text, encoder, alterations).run();
 }
 

@@ -10,7 +10,7 @@ namespace zelmora::platform {
 
 /// Encodes `text` with `encoder`, which must be new, and adds what is altered to `alterations`.
 /// Never fails; see encodeTextLossy.
-[[nodiscard]] Bytes encodeLossily(std::u16string_view text, LegacyEncoder& encoder,
+[[nodiscard]] Bytes encodeLossily(std::u16string_view text, TextEncoder& encoder,
                                   Alterations& alterations);
 
 } // namespace zelmora::platform

@@ -29,7 +29,7 @@ bool encodeStep(const char16_t*& in, const char16_t* stop, const char16_t*, Octe
     return true;
 }
 
-class MacOSRomanEncoder : public LegacyEncoder {
+class MacOSRomanEncoder : public TextEncoder {
   public:
     const char16_t* encode(const char16_t* in, const char16_t* end, Bytes& out) override {
         return encodeInChunks<1>(in, end, out, encodeStep);
@@ -41,11 +41,11 @@ class MacOSRomanEncoder : public LegacyEncoder {
 
 } // namespace
 
-std::optional<std::u16string> decodeMacOSRoman(ByteView bytes) {
-    return decodeInChunks<1>(bytes, decodeStep);
+std::unique_ptr<TextDecoder> makeMacOSRomanDecoder() {
+    return makeChunkDecoder<1>(decodeStep);
 }
 
-std::unique_ptr<LegacyEncoder> makeMacOSRomanEncoder() {
+std::unique_ptr<TextEncoder> makeMacOSRomanEncoder() {
     return std::make_unique<MacOSRomanEncoder>();
 }
 

@@ -138,7 +138,7 @@ bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t* e
 }
 
 template<Vendor vendor>
-class ShiftJISEncoder : public LegacyEncoder {
+class ShiftJISEncoder : public TextEncoder {
   public:
     const char16_t* encode(const char16_t* in, const char16_t* end, Bytes& out) override {
         return encodeInChunks<2>(in, end, out, encodeStep<vendor>);
@@ -151,19 +151,19 @@ class ShiftJISEncoder : public LegacyEncoder {
 } // namespace
 
 // The most units for the bytes: five for two, two for one.
-std::optional<std::u16string> decodeMacJapanese(ByteView bytes) {
-    return decodeInChunks<3>(bytes, decodeStep<Vendor::macintosh>);
+std::unique_ptr<TextDecoder> makeMacJapaneseDecoder() {
+    return makeChunkDecoder<3>(decodeStep<Vendor::macintosh>);
 }
 
-std::optional<std::u16string> decodeCodePage932(ByteView bytes) {
-    return decodeInChunks<1>(bytes, decodeStep<Vendor::microsoft>);
+std::unique_ptr<TextDecoder> makeCodePage932Decoder() {
+    return makeChunkDecoder<1>(decodeStep<Vendor::microsoft>);
 }
 
-std::unique_ptr<LegacyEncoder> makeMacJapaneseEncoder() {
+std::unique_ptr<TextEncoder> makeMacJapaneseEncoder() {
     return std::make_unique<ShiftJISEncoder<Vendor::macintosh>>();
 }
 
-std::unique_ptr<LegacyEncoder> makeCodePage932Encoder() {
+std::unique_ptr<TextEncoder> makeCodePage932Encoder() {
     return std::make_unique<ShiftJISEncoder<Vendor::microsoft>>();
 }
 

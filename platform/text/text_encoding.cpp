@@ -18,24 +18,37 @@ std::u16string withoutLoneSurrogates(std::u16string_view text, Alterations& alte
     return repaired;
 }
 
-std::optional<Bytes> encodeUnicode(std::u16string_view text, TextEncoding encoding) {
-    switch (encoding) {
-    case TextEncoding::utf16LE:
-        return encodeUTF16(text, true);
-    case TextEncoding::utf16BE:
-        return encodeUTF16(text, false);
-    case TextEncoding::utf32LE:
-        return encodeUTF32(text, true);
-    case TextEncoding::utf32BE:
-        return encodeUTF32(text, false);
-    default:
-        return encodeUTF8(text);
-    }
+bool isUnicode(TextEncoding encoding) {
+    return encoding >= TextEncoding::utf8 && encoding <= TextEncoding::utf32BE;
 }
 
 } // namespace
 
-std::unique_ptr<LegacyEncoder> makeLegacyEncoder(TextEncoding encoding) {
+std::unique_ptr<TextDecoder> makeTextDecoder(TextEncoding encoding) {
+    switch (encoding) {
+    case TextEncoding::macJapanese:
+        return makeMacJapaneseDecoder();
+    case TextEncoding::codePage932:
+        return makeCodePage932Decoder();
+    case TextEncoding::iso2022JP:
+        return makeISO2022JPDecoder();
+    case TextEncoding::eucJP:
+        return makeEUCJPDecoder();
+    case TextEncoding::utf8:
+        return makeUTF8Decoder();
+    case TextEncoding::utf16LE:
+    case TextEncoding::utf16BE:
+        return makeUTF16Decoder(encoding == TextEncoding::utf16LE);
+    case TextEncoding::utf32LE:
+    case TextEncoding::utf32BE:
+        return makeUTF32Decoder(encoding == TextEncoding::utf32LE);
+    case TextEncoding::macOSRoman:
+        break;
+    }
+    return makeMacOSRomanDecoder();
+}
+
+std::unique_ptr<TextEncoder> makeTextEncoder(TextEncoding encoding) {
     switch (encoding) {
     case TextEncoding::macJapanese:
         return makeMacJapaneseEncoder();
@@ -45,45 +58,32 @@ std::unique_ptr<LegacyEncoder> makeLegacyEncoder(TextEncoding encoding) {
         return makeISO2022JPEncoder();
     case TextEncoding::eucJP:
         return makeEUCJPEncoder();
+    case TextEncoding::utf8:
+        return makeUTF8Encoder();
+    case TextEncoding::utf16LE:
+    case TextEncoding::utf16BE:
+        return makeUTF16Encoder(encoding == TextEncoding::utf16LE);
+    case TextEncoding::utf32LE:
+    case TextEncoding::utf32BE:
+        return makeUTF32Encoder(encoding == TextEncoding::utf32LE);
     case TextEncoding::macOSRoman:
-        return makeMacOSRomanEncoder();
-    default:
-        return nullptr;
+        break;
     }
+    return makeMacOSRomanEncoder();
 }
 
 std::optional<std::u16string> decodeText(ByteView bytes, TextEncoding encoding) {
-    switch (encoding) {
-    case TextEncoding::macJapanese:
-        return decodeMacJapanese(bytes);
-    case TextEncoding::codePage932:
-        return decodeCodePage932(bytes);
-    case TextEncoding::iso2022JP:
-        return decodeISO2022JP(bytes);
-    case TextEncoding::eucJP:
-        return decodeEUCJP(bytes);
-    case TextEncoding::utf8:
-        return decodeUTF8(bytes);
-    case TextEncoding::utf16LE:
-        return decodeUTF16(bytes, true);
-    case TextEncoding::utf16BE:
-        return decodeUTF16(bytes, false);
-    case TextEncoding::utf32LE:
-        return decodeUTF32(bytes, true);
-    case TextEncoding::utf32BE:
-        return decodeUTF32(bytes, false);
-    case TextEncoding::macOSRoman:
-        return decodeMacOSRoman(bytes);
-    }
-    return std::nullopt;
+    std::u16string text;
+    text.reserve(bytes.size());
+    if (!makeTextDecoder(encoding)->decode(bytes, bytes.size(), text))
+        return std::nullopt;
+    return text;
 }
 
 std::optional<Bytes> encodeText(std::u16string_view text, TextEncoding encoding) {
-    const std::unique_ptr<LegacyEncoder> encoder = makeLegacyEncoder(encoding);
-    if (encoder == nullptr)
-        return encodeUnicode(text, encoding);
+    const std::unique_ptr<TextEncoder> encoder = makeTextEncoder(encoding);
     Bytes bytes;
-    bytes.reserve(2 * text.size());
+    bytes.reserve((encoding == TextEncoding::utf8 ? 3 : 2) * text.size());
     const char16_t* const end = text.data() + text.size();
     if (encoder->encode(text.data(), end, bytes) != end)
         return std::nullopt;
@@ -92,9 +92,9 @@ std::optional<Bytes> encodeText(std::u16string_view text, TextEncoding encoding)
 }
 
 Bytes encodeTextLossy(std::u16string_view text, TextEncoding encoding, Alterations& alterations) {
-    if (const std::unique_ptr<LegacyEncoder> encoder = makeLegacyEncoder(encoding))
-        return encodeLossily(text, *encoder, alterations);
-    return encodeUnicode(withoutLoneSurrogates(text, alterations), encoding).value_or(Bytes());
+    if (isUnicode(encoding))
+        return encodeText(withoutLoneSurrogates(text, alterations), encoding).value_or(Bytes());
+    return encodeLossily(text, *makeTextEncoder(encoding), alterations);
 }
 
 } // namespace zelmora::platform

@@ -179,22 +179,80 @@ void copyUnits(const void* from, void* to, size_t count, bool littleEndian) {
         copySwappedBlock<1>(in, out);
 }
 
-/// `size` bytes to write to, and room for a mark: who puts one in front need not allocate again.
-Bytes bytesWithRoomForMark(size_t size) {
-    Bytes bytes;
-    bytes.reserve(size + 4);
-    bytes.resize(size);
-    return bytes;
-}
-
 uint32_t swapped32(uint32_t value) {
     return value << 24 | (value & 0xFF00) << 8 | (value >> 8 & 0xFF00) | value >> 24;
 }
 
-uint32_t load32(const Octet* in, bool littleEndian) {
-    const uint32_t value = loadLittleEndian32(in);
-    return littleEndian ? value : swapped32(value);
+uint32_t inOrder32(uint32_t value, bool littleEndian) {
+    return isNativeOrder(littleEndian) ? value : swapped32(value);
 }
+
+template<bool littleEndian>
+bool decodeUTF16Step(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
+    size_t count = static_cast<size_t>(stop - in + 1) / 2;
+    if (static_cast<size_t>(end - in) < 2 * count)
+        return false;
+    copyUnits(in, out, count, littleEndian);
+    in += 2 * count;
+    if (isHighSurrogate(out[count - 1]) && end - in >= 2) {
+        copyUnits(in, out + count, 1, littleEndian);
+        in += 2;
+        ++count;
+    }
+    const char16_t* const units = out;
+    out += count;
+    return findLoneSurrogate({units, count}) == count;
+}
+
+template<bool littleEndian>
+bool decodeUTF32Step(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
+    for (; in < stop; in += sizeof(char32_t)) {
+        if (static_cast<size_t>(end - in) < sizeof(char32_t))
+            return false;
+        const uint32_t value = loadLittleEndian32(in);
+        const char32_t codePoint = littleEndian ? value : swapped32(value);
+        if (codePoint > kLastCodePoint || (codePoint & 0x1FF800) == 0xD800)
+            return false;
+        writeUnits(codePoint, out);
+    }
+    return true;
+}
+
+template<bool littleEndian>
+bool encodeUTF16Step(const char16_t*& in, const char16_t* stop, const char16_t* end, Octet*& out) {
+    if (stop != end && isHighSurrogate(stop[-1]))
+        ++stop;
+    const std::u16string_view text(in, static_cast<size_t>(stop - in));
+    const size_t count = findLoneSurrogate(text);
+    copyUnits(in, out, count, littleEndian);
+    in += count;
+    out += count * sizeof(char16_t);
+    return in == stop;
+}
+
+template<bool littleEndian>
+bool encodeUTF32Step(const char16_t*& in, const char16_t* stop, const char16_t* end, Octet*& out) {
+    while (in < stop) {
+        const bool isPair = end - in >= 2 && isSurrogatePair(in[0], in[1]);
+        if (!isPair && isSurrogate(*in))
+            return false;
+        const uint32_t value =
+            inOrder32(isPair ? codePointOfPair(in[0], in[1]) : *in, littleEndian);
+        std::memcpy(out, &value, sizeof value);
+        out += sizeof value;
+        in += isPair ? 2 : 1;
+    }
+    return true;
+}
+
+template<size_t bytesPerUnit, auto step>
+class UnicodeEncoder final : public TextEncoder {
+  public:
+    const char16_t* encode(const char16_t* in, const char16_t* end, Bytes& out) override {
+        return encodeInChunks<bytesPerUnit>(in, end, out, step);
+    }
+    bool holds(char16_t unit) const override { return !isSurrogate(unit); }
+};
 
 } // namespace
 
@@ -214,76 +272,32 @@ size_t findLoneSurrogate(std::u16string_view text, size_t from) {
     return offset;
 }
 
-std::optional<std::u16string> decodeUTF8(ByteView bytes) {
-    return decodeInChunks<1>(bytes, decodeUTF8Step);
+std::unique_ptr<TextDecoder> makeUTF8Decoder() {
+    return makeChunkDecoder<1>(decodeUTF8Step);
 }
 
-std::optional<std::u16string> decodeUTF16(ByteView bytes, bool littleEndian) {
-    if (bytes.size() % sizeof(char16_t) != 0)
-        return std::nullopt;
-    std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
-    copyUnits(bytes.data(), text.data(), text.size(), littleEndian);
-    if (findLoneSurrogate(text) != text.size())
-        return std::nullopt;
-    return text;
+std::unique_ptr<TextDecoder> makeUTF16Decoder(bool littleEndian) {
+    return makeChunkDecoder<1>(littleEndian ? decodeUTF16Step<true> : decodeUTF16Step<false>);
 }
 
-std::optional<std::u16string> decodeUTF32(ByteView bytes, bool littleEndian) {
-    if (bytes.size() % sizeof(char32_t) != 0)
-        return std::nullopt;
-    const Octet* const begin = octetsOf(bytes);
-    const Octet* const end = begin + bytes.size();
-    size_t length = bytes.size() / sizeof(char32_t);
-    for (const Octet* in = begin; in != end; in += sizeof(char32_t)) {
-        const char32_t codePoint = load32(in, littleEndian);
-        if (codePoint > kLastCodePoint || (codePoint & 0x1FF800) == 0xD800)
-            return std::nullopt;
-        length += codePoint > 0xFFFF ? 1 : 0;
-    }
-    std::u16string text(length, u'\0');
-    char16_t* out = text.data();
-    for (const Octet* in = begin; in != end; in += sizeof(char32_t))
-        writeUnits(load32(in, littleEndian), out);
-    return text;
+std::unique_ptr<TextDecoder> makeUTF32Decoder(bool littleEndian) {
+    return makeChunkDecoder<1>(littleEndian ? decodeUTF32Step<true> : decodeUTF32Step<false>);
 }
 
-std::optional<Bytes> encodeUTF8(std::u16string_view text) {
-    Bytes bytes;
-    bytes.reserve(3 * text.size());
-    const char16_t* const end = text.data() + text.size();
-    if (encodeInChunks<3>(text.data(), end, bytes, encodeUTF8Step) != end)
-        return std::nullopt;
-    return bytes;
+std::unique_ptr<TextEncoder> makeUTF8Encoder() {
+    return std::make_unique<UnicodeEncoder<3, encodeUTF8Step>>();
 }
 
-std::optional<Bytes> encodeUTF16(std::u16string_view text, bool littleEndian) {
-    if (findLoneSurrogate(text) != text.size())
-        return std::nullopt;
-    Bytes bytes = bytesWithRoomForMark(text.size() * sizeof(char16_t));
-    copyUnits(text.data(), bytes.data(), text.size(), littleEndian);
-    return bytes;
+std::unique_ptr<TextEncoder> makeUTF16Encoder(bool littleEndian) {
+    if (littleEndian)
+        return std::make_unique<UnicodeEncoder<2, encodeUTF16Step<true>>>();
+    return std::make_unique<UnicodeEncoder<2, encodeUTF16Step<false>>>();
 }
 
-std::optional<Bytes> encodeUTF32(std::u16string_view text, bool littleEndian) {
-    if (findLoneSurrogate(text) != text.size())
-        return std::nullopt;
-    size_t pairs = 0;
-    for (const char16_t unit : text)
-        pairs += isHighSurrogate(unit) ? 1 : 0;
-    Bytes bytes = bytesWithRoomForMark((text.size() - pairs) * sizeof(char32_t));
-    std::byte* out = bytes.data();
-    for (const char16_t* in = text.data(), * const end = in + text.size(); in != end; ++in) {
-        uint32_t value = *in;
-        if (isSurrogate(*in)) {
-            value = codePointOfPair(in[0], in[1]);
-            ++in;
-        }
-        if (!isNativeOrder(littleEndian))
-            value = swapped32(value);
-        std::memcpy(out, &value, sizeof value);
-        out += sizeof value;
-    }
-    return bytes;
+std::unique_ptr<TextEncoder> makeUTF32Encoder(bool littleEndian) {
+    if (littleEndian)
+        return std::make_unique<UnicodeEncoder<4, encodeUTF32Step<true>>>();
+    return std::make_unique<UnicodeEncoder<4, encodeUTF32Step<false>>>();
 }
 
 } // namespace zelmora::platform

@@ -1,32 +1,27 @@
 // UTF-8, UTF-16 and UTF-32, to UTF-16 text and back, exactly or not at all.
 //
-// Every function is stateless, safe on any thread, linear, and allocates its result once. U+FEFF is
-// a character like any other: none of these reads, skips or writes a byte-order mark.
+// U+FEFF is a character like any other: none of these reads, skips or writes a byte-order mark.
 #pragma once
 
-#include "platform/text/bytes.h"
+#include "platform/text/text_coders.h"
 
 #include <cstddef>
-#include <optional>
-#include <string>
+#include <memory>
 #include <string_view>
 
 namespace zelmora::platform {
 
-/// nullopt when `bytes` hold an overlong form, a surrogate, a code point beyond U+10FFFF, or a
-/// sequence that is broken or cut off.
-[[nodiscard]] std::optional<std::u16string> decodeUTF8(ByteView bytes);
+/// Rejects overlong forms, surrogates, code points beyond U+10FFFF, broken and cut off sequences.
+std::unique_ptr<TextDecoder> makeUTF8Decoder();
+/// Rejects an odd number of bytes and lone surrogates.
+std::unique_ptr<TextDecoder> makeUTF16Decoder(bool littleEndian);
+/// Rejects a number of bytes that is no multiple of four, surrogates and values beyond U+10FFFF.
+std::unique_ptr<TextDecoder> makeUTF32Decoder(bool littleEndian);
 
-/// nullopt when `bytes` are odd in number or hold a lone surrogate.
-[[nodiscard]] std::optional<std::u16string> decodeUTF16(ByteView bytes, bool littleEndian);
-
-/// nullopt when `bytes` are no multiple of four or hold a surrogate or a value beyond U+10FFFF.
-[[nodiscard]] std::optional<std::u16string> decodeUTF32(ByteView bytes, bool littleEndian);
-
-/// The three below answer nullopt when `text` holds a lone surrogate, and only then.
-[[nodiscard]] std::optional<Bytes> encodeUTF8(std::u16string_view text);
-[[nodiscard]] std::optional<Bytes> encodeUTF16(std::u16string_view text, bool littleEndian);
-[[nodiscard]] std::optional<Bytes> encodeUTF32(std::u16string_view text, bool littleEndian);
+/// All that these cannot encode is a lone surrogate.
+std::unique_ptr<TextEncoder> makeUTF8Encoder();
+std::unique_ptr<TextEncoder> makeUTF16Encoder(bool littleEndian);
+std::unique_ptr<TextEncoder> makeUTF32Encoder(bool littleEndian);
 
 /// The number of bytes of the valid UTF-8 sequence at the start of `bytes`, 1 to 4; 0 when they
 /// start with none.

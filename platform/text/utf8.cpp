@@ -61,21 +61,21 @@ bool startsWithC1(std::string_view utf8) {
 } // namespace
 
 std::string utf8FromUTF16(std::u16string_view text) {
-    if (const auto bytes = encodeUTF8(text))
+    if (const auto bytes = encodeText(text, TextEncoding::utf8))
         return std::string(charsOf(*bytes));
     std::u16string repaired(text);
     for (size_t lone = findLoneSurrogate(text); lone != text.size();
          lone = findLoneSurrogate(text, lone + 1))
         repaired[lone] = kReplacement;
-    return std::string(charsOf(*encodeUTF8(repaired)));
+    return std::string(charsOf(*encodeText(repaired, TextEncoding::utf8)));
 }
 
 std::u16string utf16FromUTF8(std::string_view utf8) {
-    if (auto text = decodeUTF8(bytesOf(utf8)))
+    if (auto text = decodeText(bytesOf(utf8), TextEncoding::utf8))
         return *std::move(text);
     const std::string repaired =
         withInvalidBytes(utf8, [](std::string& result, char) { result += kReplacementUTF8; });
-    return *decodeUTF8(bytesOf(repaired));
+    return *decodeText(bytesOf(repaired), TextEncoding::utf8);
 }
 
 std::string displayPath(std::string_view path) {

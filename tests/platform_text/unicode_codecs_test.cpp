@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
-#include <functional>
 #include <iconv.h>
 #include <random>
 
@@ -38,24 +38,16 @@ std::string hexOf(std::string_view bytes) {
 
 struct Codec {
     const char* name;
-    std::function<std::optional<std::u16string>(ByteView)> decode;
-    std::function<std::optional<Bytes>(std::u16string_view)> encode;
+    TextEncoding encoding;
+
+    [[nodiscard]] auto decode(ByteView bytes) const { return decodeText(bytes, encoding); }
+    [[nodiscard]] auto encode(std::u16string_view text) const { return encodeText(text, encoding); }
 };
 
-const std::vector<Codec>& codecs() {
-    static const std::vector<Codec> all = {
-        {"UTF-8", decodeUTF8, encodeUTF8},
-        {"UTF-16LE", [](ByteView bytes) { return decodeUTF16(bytes, true); },
-         [](std::u16string_view text) { return encodeUTF16(text, true); }},
-        {"UTF-16BE", [](ByteView bytes) { return decodeUTF16(bytes, false); },
-         [](std::u16string_view text) { return encodeUTF16(text, false); }},
-        {"UTF-32LE", [](ByteView bytes) { return decodeUTF32(bytes, true); },
-         [](std::u16string_view text) { return encodeUTF32(text, true); }},
-        {"UTF-32BE", [](ByteView bytes) { return decodeUTF32(bytes, false); },
-         [](std::u16string_view text) { return encodeUTF32(text, false); }},
-    };
-    return all;
-}
+constexpr Codec kUTF8 = {"UTF-8", TextEncoding::utf8};
+constexpr std::array kCodecs = {
+    kUTF8, Codec{"UTF-16LE", TextEncoding::utf16LE}, Codec{"UTF-16BE", TextEncoding::utf16BE},
+    Codec{"UTF-32LE", TextEncoding::utf32LE}, Codec{"UTF-32BE", TextEncoding::utf32BE}};
 
 std::string everyCodePointUTF32() {
     std::string bytes;
@@ -76,7 +68,7 @@ std::u16string unitsOf(std::string_view native) {
 TEST(UnicodeCodecs, EveryCodePointAgreesWithTheCLibrary) {
     const std::string source = everyCodePointUTF32();
     const std::u16string text = unitsOf(*iconvConvert(source, "UTF-32LE", "UTF-16LE"));
-    for (const Codec& codec : codecs()) {
+    for (const Codec& codec : kCodecs) {
         const std::string bytes = *iconvConvert(source, "UTF-32LE", codec.name);
         EXPECT_TRUE(codec.decode(bytesOf(bytes)) == text) << codec.name;
         const auto encoded = codec.encode(text);
@@ -130,7 +122,7 @@ TEST(UnicodeCodecs, ValidityOfUTF8InEveryPosition) {
                     bytes += testCase.bytes;
                     for (size_t i = 0; i < after; ++i)
                         bytes += padding;
-                    EXPECT_EQ(decodeUTF8(bytesOf(bytes)).has_value(), testCase.valid)
+                    EXPECT_EQ(kUTF8.decode(bytesOf(bytes)).has_value(), testCase.valid)
                         << hexOf(bytes);
                     EXPECT_EQ(utf8SequenceLength(bytesOf(bytes.substr(before * padding.size()))),
                               testCase.valid ? testCase.bytes.size() : 0)
@@ -156,12 +148,12 @@ TEST(UnicodeCodecs, RandomUTF8AgreesWithTheCLibrary) {
         if (seed % 2 == 1 && !bytes.empty()) // broken in one place
             bytes[random() % bytes.size()] = static_cast<char>(random());
         const auto expected = iconvConvert(bytes, "UTF-8", "UTF-16LE");
-        const auto text = decodeUTF8(bytesOf(bytes));
+        const auto text = kUTF8.decode(bytesOf(bytes));
         ASSERT_EQ(text.has_value(), expected.has_value())
             << "seed " << seed << ": " << hexOf(bytes);
         if (text) {
             ASSERT_TRUE(*text == unitsOf(*expected)) << "seed " << seed << ": " << hexOf(bytes);
-            const auto encoded = encodeUTF8(*text);
+            const auto encoded = kUTF8.encode(*text);
             ASSERT_TRUE(encoded && charsOf(*encoded) == bytes) << "seed " << seed;
         }
     }
@@ -174,11 +166,11 @@ TEST(UnicodeCodecs, LongTextsOfOneCharacterAtEveryOffset) {
             for (size_t i = 0; i < 5000; ++i)
                 bytes += piece;
             const std::u16string text = unitsOf(*iconvConvert(bytes, "UTF-8", "UTF-16LE"));
-            EXPECT_TRUE(decodeUTF8(bytesOf(bytes)) == text) << piece << " after " << before;
-            const auto encoded = encodeUTF8(text);
+            EXPECT_TRUE(kUTF8.decode(bytesOf(bytes)) == text) << piece << " after " << before;
+            const auto encoded = kUTF8.encode(text);
             EXPECT_TRUE(encoded && charsOf(*encoded) == bytes) << piece << " after " << before;
             bytes.pop_back();
-            EXPECT_FALSE(decodeUTF8(bytesOf(bytes))) << piece << " cut off, after " << before;
+            EXPECT_FALSE(kUTF8.decode(bytesOf(bytes))) << piece << " cut off, after " << before;
         }
     }
 }
@@ -203,7 +195,7 @@ TEST(UnicodeCodecs, WrongSizesAndLoneSurrogatesAreRefused) {
         {"\xFF\0\0\x41"sv, "UTF-32BE"},
     };
     for (const auto& testCase : cases) {
-        for (const Codec& codec : codecs()) {
+        for (const Codec& codec : kCodecs) {
             if (std::string_view(codec.name) == testCase.codec) {
                 EXPECT_FALSE(codec.decode(bytesOf(testCase.bytes)))
                     << codec.name << ": " << hexOf(testCase.bytes);
@@ -224,7 +216,7 @@ TEST(UnicodeCodecs, LoneSurrogatesAreFoundInEveryPosition) {
                 text += lone;
                 text.append(after, u'あ');
                 EXPECT_EQ(findLoneSurrogate(text), offset) << before << " before, " << after;
-                for (const Codec& codec : codecs())
+                for (const Codec& codec : kCodecs)
                     EXPECT_FALSE(codec.encode(text)) << codec.name << ", " << before << " before";
             }
         }
@@ -232,7 +224,7 @@ TEST(UnicodeCodecs, LoneSurrogatesAreFoundInEveryPosition) {
 }
 
 TEST(UnicodeCodecs, NothingBecomesNothing) {
-    for (const Codec& codec : codecs()) {
+    for (const Codec& codec : kCodecs) {
         EXPECT_EQ(codec.decode(ByteView{}), std::u16string()) << codec.name;
         EXPECT_EQ(codec.encode({}), Bytes()) << codec.name;
     }
