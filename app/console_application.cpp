@@ -5,6 +5,7 @@
 #include "app/detect_report.h"
 #include "app/path_argument.h"
 #include "app/saved_settings_path.h"
+#include "app/string_table.h"
 #include "engine/settings.h"
 #include "engine/target_files.h"
 #include "platform/text/utf8.h"
@@ -19,25 +20,11 @@ namespace {
 
 constexpr std::string_view programName = "zelmora-convert";
 
-platform::LocalizedStrings stringsOf(const platform::Bundle& bundle, platform::FileManager& files) {
-    auto strings = bundle.localizedStrings(files, platform::preferredLanguage());
-    if (strings.ok())
-        return std::move(*strings);
-    // Without its table the program speaks in keys; say why in the one language left.
-    std::fprintf(stderr, "%s\n", strings.error().message.c_str());
-    return {};
-}
-
-/// Answers whether all of it was written.
-bool writeToStandardOutput(std::string_view text) {
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-}
-
 } // namespace
 
 ConsoleApplication::ConsoleApplication(platform::FileManager& files)
-    : _files(files), _bundle(platform::Bundle::mainBundle()), _strings(stringsOf(_bundle, files)),
-      _defaults(settings::allKeys()),
+    : _files(files), _bundle(platform::Bundle::mainBundle()),
+      _strings(loadStringTable(_bundle, files)), _defaults(settings::allKeys()),
       _userInterface(STDERR_FILENO, [this] { _runLoop.stop(consoleSuccess); }) {
     _runLoop.addObserver(platform::RunLoop::beforeWaiting,
                          [this](platform::RunLoop::Activity) { _userInterface.redraw(); });
@@ -47,13 +34,13 @@ int ConsoleApplication::run(std::span<const char* const> arguments) {
     const auto parsed = parseConsoleOptions(arguments, _strings);
     if (const auto* failure = std::get_if<UsageError>(&parsed)) {
         say(failure->message);
-        say(_strings.stringForKey("ConsoleTryHelp"));
+        say(_strings.format("ConsoleTryHelp", {programName}));
         return consoleUsage;
     }
     const auto& options = std::get<ConsoleOptions>(parsed);
     if (options.help || options.version) {
         const auto text = options.help ? _strings.stringForKey("ConsoleHelp")
-                                       : _strings.format("ConsoleVersion", {ZELMORA_VERSION});
+                                       : versionText(programName, _strings);
         return writeToStandardOutput(text) && std::fflush(stdout) == 0 ? consoleSuccess
                                                                        : consoleFailure;
     }

@@ -140,16 +140,6 @@ class SettingsReader {
     const platform::LocalizedStrings& _strings;
 };
 
-std::string usageMessage(const CLI::ParseError& failure,
-                         const platform::LocalizedStrings& strings) {
-    const std::string_view words = failure.what(); // the name of an option first, if it has one
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&failure) == nullptr)
-        return strings.format("ConsoleBadUsage", {words});
-    const std::string name(words.substr(0, words.find_first_of(": ")));
-    return name.starts_with("--") ? strings.format("ConsoleMissingValue", {name})
-                                  : strings.format("ConsoleUnwantedValue", {"--" + name});
-}
-
 /// The arguments as the parser takes them: as a stack, the last one first, and "--name=" in two,
 /// lest it look for the empty value in the next argument.
 std::vector<std::string> argumentStack(std::span<const char* const> arguments,
@@ -170,23 +160,6 @@ std::vector<std::string> argumentStack(std::span<const char* const> arguments,
     }
     std::reverse(stack.begin(), stack.end());
     return stack;
-}
-
-/// Takes the paths out of `rest`, which is what the parser knows no option for. The parser must not
-/// take them itself: it would make two of "[a,b]". Answers the first that is an option
-/// nevertheless.
-std::optional<std::string> readPaths(const std::vector<std::string>& rest,
-                                     std::vector<std::string>& paths) {
-    bool isBehindMark = false;
-    for (const auto& each : rest) {
-        if (isBehindMark || each.size() < 2 || !each.starts_with('-'))
-            paths.push_back(each);
-        else if (each == "--")
-            isBehindMark = true;
-        else
-            return each;
-    }
-    return std::nullopt;
 }
 
 } // namespace
@@ -217,14 +190,9 @@ parseConsoleOptions(std::span<const char* const> arguments,
     for (const auto& option : friendlyOptions())
         friendly[option.takesArgument() ? addOption(option.name) : addFlag(option.name)] = &option;
 
-    auto stack = argumentStack(arguments, parser);
-    try {
-        parser.parse(stack);
-    } catch (const CLI::ParseError& failure) {
-        return UsageError{usageMessage(failure, strings)};
-    }
-    if (const auto unknown = readPaths(parser.remaining(), options.paths))
-        return UsageError{strings.format("ConsoleUnknownOption", {*unknown})};
+    if (auto failure =
+            parseCommandLine(parser, argumentStack(arguments, parser), options.paths, strings))
+        return std::move(*failure);
 
     SettingsReader reader(options, strings);
     std::map<const CLI::Option*, size_t> used;

@@ -1,6 +1,7 @@
 // The command line of zelmora-convert.
 #pragma once
 
+#include "app/command_line.h"
 #include "platform/defaults/localized_strings.h"
 #include "platform/defaults/property_list.h"
 
@@ -23,11 +24,6 @@ struct ConsoleOptions {
     /// Settings for this run by key, in the order given.
     std::vector<std::pair<std::string, platform::PropertyListValue>> settings;
     std::vector<std::string> paths; ///< as given, raw bytes
-};
-
-/// Why the command line cannot be used, for the user.
-struct UsageError {
-    std::string message;
 };
 
 /// Reads the arguments (without the program's name), raw bytes. Touches nothing.

@@ -1,16 +1,19 @@
 // The desktop program's entry: puts the parts together.
 
 #include "app/app_controller.h"
+#include "app/desktop_options.h"
 #include "app/path_argument.h"
 #include "app/pref_wnd_controller.h"
 #include "app/saved_settings_path.h"
 #include "app/settings_summary.h"
+#include "app/string_table.h"
 #include "engine/settings.h"
 #include "platform/desktop/desktop_user_interface.h"
 #include "platform/desktop/desktop_workspace.h"
 #include "platform/desktop/main_window.h"
 #include "platform/files/process_setup.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -21,12 +24,12 @@ namespace {
 /// Everything that lives as long as the desktop program. Each part stands behind those it borrows.
 class DesktopProgram {
   public:
-    DesktopProgram(int& argumentCount, char** arguments);
+    DesktopProgram(int& argumentCount, char** arguments, const platform::Bundle& bundle,
+                   const platform::LocalizedStrings& strings);
     /// Answers the exit status.
     int run(const std::vector<std::string>& paths);
 
   private:
-    platform::LocalizedStrings loadStrings();
     platform::MainWindowActions actions();
     AppServices services();
     void showPreferences();
@@ -38,17 +41,18 @@ class DesktopProgram {
 
     platform::DesktopApplication _application;
     platform::FileManager& _files = platform::FileManager::defaultManager();
-    platform::Bundle _bundle = platform::Bundle::mainBundle();
+    const platform::Bundle& _bundle;
     platform::UserDefaults _defaults{settings::allKeys()};
-    platform::LocalizedStrings _strings = loadStrings();
+    const platform::LocalizedStrings& _strings;
     platform::DesktopUserInterface _userInterface{{_bundle, _files, _defaults, _application}};
     platform::DesktopWorkspace _workspace;
     platform::MainWindow _window{_strings, actions()};
     ZelAppController _controller{services()};
 };
 
-DesktopProgram::DesktopProgram(int& argumentCount, char** arguments)
-    : _application(argumentCount, arguments) {
+DesktopProgram::DesktopProgram(int& argumentCount, char** arguments, const platform::Bundle& bundle,
+                               const platform::LocalizedStrings& strings)
+    : _application(argumentCount, arguments), _bundle(bundle), _strings(strings) {
     _application.installStrings(_strings, platform::preferredLanguage());
     _application.setDelegate(_controller);
     loadSettings();
@@ -57,15 +61,6 @@ DesktopProgram::DesktopProgram(int& argumentCount, char** arguments)
             _application.runLoop().mainQueue().async([this] { showSummary(); });
         });
     showSummary();
-}
-
-platform::LocalizedStrings DesktopProgram::loadStrings() {
-    auto strings = _bundle.localizedStrings(_files, platform::preferredLanguage());
-    if (strings.ok())
-        return std::move(*strings);
-    // Without its table the program speaks in keys; say why in the one language left.
-    std::fprintf(stderr, "%s\n", strings.error().message.c_str());
-    return {};
 }
 
 platform::MainWindowActions DesktopProgram::actions() {
@@ -144,11 +139,20 @@ void DesktopProgram::saveSettings() {
 } // namespace zelmora
 
 int main(int argc, char** argv) {
-    zelmora::platform::setUpProcess();
-    zelmora::DesktopProgram program(argc, argv);
-    // What Qt has left of the arguments; from argv itself, for Qt's own list loses bytes.
+    using namespace zelmora;
+    platform::setUpProcess();
+    const auto bundle = platform::Bundle::mainBundle();
+    const auto strings = loadStringTable(bundle, platform::FileManager::defaultManager());
+    const std::span arguments(argv, static_cast<size_t>(argc));
+    const auto options = readDesktopOptions(arguments.subspan(argc > 0 ? 1 : 0), strings);
+    if (const auto* status = std::get_if<int>(&options))
+        return *status;
     std::vector<std::string> paths;
-    for (int i = 1; i < argc; ++i)
-        paths.push_back(zelmora::pathFromArgument(argv[i]));
+    for (const auto& argument : std::get<DesktopOptions>(options).paths)
+        paths.push_back(pathFromArgument(argument));
+    // Qt sees no more than the program's name: it would take its own options from behind "--" too,
+    // and without a display nothing could be said of the others.
+    int argumentsForQt = std::min(argc, 1);
+    DesktopProgram program(argumentsForQt, argv, bundle, strings);
     return program.run(paths);
 }

@@ -1,4 +1,4 @@
-"""What the tests of zelmora-convert share: a user with an empty home folder, and the program.
+"""What the tests of whole programs share: a user with an empty home folder, and the program.
 
 A test file ends in console_case.main(), which takes the program's path as its first argument.
 """
