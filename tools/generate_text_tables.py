@@ -41,9 +41,9 @@ def encode_table(name, cells):
 
 
 def shift_jis(name, table, entries):
-    leads = sorted({code[0] for code, _, _ in entries if len(code) == 2})
-    rows = [leads.index(byte) + 1 if byte in leads else 0 for byte in range(256)]
-    singles, doubles, cells = [UNASSIGNED] * 256, [UNASSIGNED] * (256 * (len(leads) + 1)), {}
+    # ShiftJISTable::rowOf, the same arithmetic
+    rows = [min(((byte ^ 0x20) - 0xA1) & 0xFF, 60) for byte in range(256)]
+    decoded, cells = [UNASSIGNED] * (61 * 256), {}
     sequences = sorted((entry for entry in entries if len(entry[1]) > 1), key=lambda entry: -len(entry[1]))
     for code, units, written in entries:
         value = units[0]
@@ -51,31 +51,30 @@ def shift_jis(name, table, entries):
             value = FIRST_SEQUENCE + [code for code, _, _ in sequences].index(code)
         elif written:
             cells[units[0]] = int.from_bytes(code, "big")
-        if len(code) == 1:
-            singles[code[0]] = value
-        else:
-            doubles[rows[code[0]] << 8 | code[1]] = value
+        decoded[rows[code[0]] << 8 | code[-1]] = value
     text, encode = encode_table(name, cells)
-    text += array("char16_t", f"{name}Singles", singles) + array("uint8_t", f"{name}Rows", rows)
-    text += array("char16_t", f"{name}Doubles", doubles)
+    text += array("char16_t", f"{name}Decoded", decoded)
     if sequences:
         text += f"constexpr Sequence {name}Sequences[] = {{\n"
         for code, units, _ in sequences:
             points = ", ".join(f"0x{unit:04X}" for unit in units)
             text += f"    {{0x{int.from_bytes(code, 'big'):04X}, {len(units)}, {{{points}}}}},\n"
         text += "};\n"
-    fields = [f"{name}Singles", f"{name}Rows", f"{name}Doubles", encode]
-    fields.append(f"{name}Sequences" if sequences else "{}")
+    fields = [f"{name}Decoded", encode, f"{name}Sequences" if sequences else "{}"]
     return text, f"constinit const ShiftJISTable {table} = {{{', '.join(fields)}}};\n"
 
 
 def jis(entries):
-    planes = [[0] * (128 * 128), [0] * (128 * 128)]
-    cells = {0xFF61 + offset: 0xA1 + offset for offset in range(63)}
+    planes = [[UNASSIGNED] * (129 * 256), [UNASSIGNED] * (128 * 256)]
+    planes[0][0x8000:0x8080] = range(0x80)
+    cells = {}
+    for offset in range(63):
+        planes[0][0x0E << 8 | (0xA1 + offset)] = 0xFF61 + offset
+        cells[0xFF61 + offset] = 0xA1 + offset
     for code, (unit,), written in entries:
         plane = len(code) - 2
         row, cell = code[-2:]
-        planes[plane][(row - 0x80) << 7 | (cell - 0x80)] = unit
+        planes[plane][(row - 0x80) << 8 | cell] = unit
         if written:
             assert unit not in cells, f"U+{unit:04X} is written in two ways"
             cells[unit] = row << 8 | (cell - 0x80 if plane else cell)

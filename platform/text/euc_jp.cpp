@@ -4,57 +4,49 @@
 #include "platform/text/chunks.h"
 #include "platform/text/legacy_codecs.h"
 #include "platform/text/text_tables.h"
+#include "platform/text/wide_kernels.h"
 
 namespace zelmora::platform {
 namespace {
 
 constexpr Octet kSingleShift2 = 0x8E;
 constexpr Octet kSingleShift3 = 0x8F;
-constexpr char16_t kFirstHalfWidth = 0xFF61; ///< A1
-constexpr Octet kFirstKatakana = 0xA1;
-constexpr Octet kLastKatakana = 0xDF;
 
-/// The character of the two bytes at `in` in `plane`, 0 when there is none.
+/// The character of the two bytes at `in` in `plane`, if there is one.
 char16_t characterAt(size_t plane, const Octet* in, const Octet* end) {
     const bool isPair = end - in >= 2 && (in[0] & in[1] & 0x80) != 0;
-    return isPair ? kJISTable.cell(plane, in[0], in[1]) : u'\0';
+    return isPair ? kJISTable.cell(plane, in[0], in[1]) : kUnassigned;
 }
 
-/// The katakana of the byte at `in`, 0 when it is none.
-char16_t katakanaAt(const Octet* in, const Octet* end) {
-    const bool isKatakana = in != end && *in >= kFirstKatakana && *in <= kLastKatakana;
-    return isKatakana ? static_cast<char16_t>(kFirstHalfWidth + *in - kFirstKatakana) : u'\0';
+/// Decodes from `in` to `stop` or past it; false at an invalid code.
+bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
+    while (in < stop) {
+        if (*in < 0x80) {
+            copyASCIIRun(in, stop, out, IsNotASCII());
+            continue;
+        }
+        const bool isPlane1 = *in == kSingleShift3;
+        const char16_t character = characterAt(isPlane1 ? 1 : 0, in + (isPlane1 ? 1 : 0), end);
+        if (character == kUnassigned)
+            return false;
+        *out++ = character;
+        in += isPlane1 ? 3 : 2;
+    }
+    return true;
 }
 
 bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
     const Octet* in = source;
     char16_t* out = target;
-    while (in < stop) {
-        for (; in < stop; in += 2) {
-            const char16_t character = characterAt(0, in, end);
-            if (character == 0)
-                break;
-            *out++ = character;
-        }
-        if (in >= stop)
-            break;
-        if (*in < 0x80) {
-            copyASCIIRun(in, stop, out, IsNotASCII());
-            continue;
-        }
-        char16_t character = 0;
-        if (*in == kSingleShift2)
-            character = katakanaAt(in + 1, end);
-        else if (*in == kSingleShift3)
-            character = characterAt(1, in + 1, end);
-        if (character == 0)
-            return false;
-        *out++ = character;
-        in += *in == kSingleShift2 ? 2 : 3;
+    bool decodes = true;
+    while (decodes && in < stop) {
+        if (usesWideKernels())
+            decodeEUCJPWindows(in, stop, out);
+        decodes = decodePlainly(in, endOfPlainPart(in, stop), end, out);
     }
     source = in;
     target = out;
-    return true;
+    return decodes;
 }
 
 /// Encodes characters of JIS X 0208 as long as one follows another.

@@ -77,9 +77,9 @@ char16_t romanCharacter(Octet byte) {
 /// Decodes two-byte characters as long as one follows another.
 void decodePlane(size_t plane, const Octet*& in, const Octet* stop, const Octet* end,
                  char16_t*& out) {
-    while (in < stop && end - in >= 2 && ((in[0] | in[1]) & 0x80) == 0) {
+    while (in < stop && end - in >= 2 && *in >= kFirstGraphic && ((in[0] | in[1]) & 0x80) == 0) {
         const char16_t character = kJISTable.cell(plane, in[0], in[1]);
-        if (character == 0)
+        if (character == kUnassigned)
             return;
         *out++ = character;
         in += 2;

@@ -4,6 +4,7 @@
 #include "platform/text/chunks.h"
 #include "platform/text/legacy_codecs.h"
 #include "platform/text/text_tables.h"
+#include "platform/text/wide_kernels.h"
 
 #include <algorithm>
 
@@ -29,10 +30,6 @@ struct IsSpecial {
     }
 };
 
-bool isNoCharacter(char16_t cell) {
-    return (cell & 0xF800) == kUnassigned;
-}
-
 /// Appends the sequence of `cell`; false when the cell is unassigned.
 bool appendSequence(const ShiftJISTable& table, char16_t cell, char16_t*& out) {
     const size_t index = static_cast<size_t>(cell - kFirstSequence);
@@ -43,37 +40,43 @@ bool appendSequence(const ShiftJISTable& table, char16_t cell, char16_t*& out) {
     return true;
 }
 
+/// Decodes from `in` to `stop` or past it; false at an invalid code.
 template<Vendor vendor>
-bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
+bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
     const ShiftJISTable& table = tableOf<vendor>();
-    const Octet* in = source;
-    char16_t* out = target;
     while (in < stop) {
-        for (; in < stop && end - in >= 2; in += 2) {
-            const char16_t cell = table.cell(in[0], in[1]);
-            if (isNoCharacter(cell))
-                break;
-            *out++ = cell;
-        }
-        if (in >= stop)
-            break;
         if (!IsSpecial<vendor>()(*in)) {
             copyASCIIRun(in, stop, out, IsSpecial<vendor>());
             continue;
         }
-        const bool isLead = table._rows[*in] != 0;
-        if (isLead && end - in < 2)
+        const uint8_t row = ShiftJISTable::rowOf(*in);
+        const ptrdiff_t length = row == ShiftJISTable::kSingles ? 1 : 2;
+        if (end - in < length)
             return false;
-        const char16_t cell = isLead ? table.cell(in[0], in[1]) : table._singles[*in];
+        const char16_t cell = table._cells[size_t{row} << 8 | in[length - 1]];
         if (!isNoCharacter(cell))
             *out++ = cell;
         else if (!appendSequence(table, cell, out))
             return false;
-        in += isLead ? 2 : 1;
+        in += length;
+    }
+    return true;
+}
+
+template<Vendor vendor>
+bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
+    const Octet* in = source;
+    char16_t* out = target;
+    bool decodes = true;
+    while (decodes && in < stop) {
+        if (usesWideKernels())
+            decodeShiftJISWindows(tableOf<vendor>()._cells, vendor == Vendor::microsoft, in, stop,
+                                  out);
+        decodes = decodePlainly<vendor>(in, endOfPlainPart(in, stop), end, out);
     }
     source = in;
     target = out;
-    return true;
+    return decodes;
 }
 
 /// Whether `unit` may change the meaning of the one before it.

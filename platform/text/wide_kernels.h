@@ -1,0 +1,37 @@
+// Inner loops for processors with 256-bit vectors. A codec works without them; where they may run,
+// they take the bulk of its text, many characters at a time and without a branch for each, and stop
+// where that is not enough: at a character that needs a closer look or is invalid, or near the end.
+// The codec's plain loop takes one window from there.
+#pragma once
+
+#include "platform/text/chunks.h"
+
+#include <algorithm>
+
+namespace zelmora::platform {
+
+/// Whether the kernels may run: whether this processor has AVX2 and BMI1.
+bool usesWideKernels();
+
+/// Turns the kernels off, and back on where the processor allows; for tests. For all threads.
+void setUsesWideKernels(bool wanted);
+
+constexpr std::ptrdiff_t kWindow = 64; ///< bytes or units that a kernel takes at a time
+
+/// Where the plain loop hands over to the kernel again; `stop` where there is none.
+template<typename Unit>
+const Unit* endOfPlainPart(const Unit* in, const Unit* stop) {
+    return usesWideKernels() ? in + std::min(kWindow, stop - in) : stop;
+}
+
+// Every kernel moves `in` past the whole characters it has taken, never past `stop`, and `out` past
+// what it wrote; it reads nothing at `stop` or after it. REQUIRES: `in` is where a character
+// begins, and `out` has room for whatever the text up to `stop` can become.
+
+/// `cells`: see ShiftJISTable. `isASCII`: whether 5C is the same character in both worlds.
+void decodeShiftJISWindows(const char16_t* cells, bool isASCII, const Octet*& in, const Octet* stop,
+                           char16_t*& out);
+
+void decodeEUCJPWindows(const Octet*& in, const Octet* stop, char16_t*& out);
+
+} // namespace zelmora::platform
