@@ -65,6 +65,7 @@ void ZelAppController::doConvert() {
     panel.canChooseFiles = true;
     panel.canChooseDirectories = true;
     panel.allowsMultipleSelection = true;
+    panel.title = _services.engine.strings.stringForKey("OpenPanelTitle");
     const auto paths = _services.panels.runOpenPanel(panel, _services.mainWindow);
     if (!paths.empty())
         applicationOpenFiles(paths);

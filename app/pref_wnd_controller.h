@@ -107,8 +107,6 @@ class ZelPrefWndController : public ValueObserver {
     /// its HFS code.
     void storeCode(const std::string& path, std::string_view codeKey, std::string_view bundleKey,
                    uint32_t platform::HFSCodes::*code);
-    /// Sets a string; one that the saved settings cannot hold is refused with an alert.
-    void storeText(const std::string& text, std::string_view key);
 
     SharedArray arrayForModelKey(std::string_view modelKey);
     void setArray(SharedArray array, std::string_view modelKey);

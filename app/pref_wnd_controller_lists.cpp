@@ -17,7 +17,7 @@ std::optional<std::string> extensionFromText(std::string_view text, const Observ
     text.remove_prefix(std::min(text.find_first_not_of(" \t*."), text.size()));
     const std::string extension(text.substr(0, text.find_last_not_of(" \t") + 1));
     if (extension.empty() || extension.find_first_of("./") != std::string::npos ||
-        !platform::xmlFromPropertyList(extension))
+        !platform::isPropertyListText(extension))
         return std::nullopt;
     const bool isTaken = std::any_of(array.begin(), array.end(), [&](const auto& element) {
         return element.get() != except &&

@@ -10,10 +10,8 @@ namespace zelmora {
 
 namespace {
 
-platform::OpenPanel panelForFilesAndBundles() {
-    platform::OpenPanel panel;
-    panel.canChooseDirectories = true;
-    return panel;
+platform::OpenPanel panelForFilesAndBundles(std::string title) {
+    return {.canChooseDirectories = true, .title = std::move(title)};
 }
 
 /// The string under `key` in the information dictionary of the bundle at `path`.
@@ -35,7 +33,8 @@ std::optional<std::string> bundleString(platform::FileManager& files, const std:
 } // namespace
 
 void ZelPrefWndController::selectCreatorCode() {
-    selectCreatorCodePanelDidEnd(runOpenPanel(panelForFilesAndBundles()));
+    selectCreatorCodePanelDidEnd(
+        runOpenPanel(panelForFilesAndBundles(_services.strings.stringForKey("PrefCreatorChoose"))));
 }
 
 void ZelPrefWndController::selectCreatorCodePanelDidEnd(const std::optional<std::string>& path) {
@@ -44,7 +43,8 @@ void ZelPrefWndController::selectCreatorCodePanelDidEnd(const std::optional<std:
 }
 
 void ZelPrefWndController::selectTypeCode() {
-    selectTypeCodePanelDidEnd(runOpenPanel(panelForFilesAndBundles()));
+    selectTypeCodePanelDidEnd(
+        runOpenPanel(panelForFilesAndBundles(_services.strings.stringForKey("PrefTypeChoose"))));
 }
 
 void ZelPrefWndController::selectTypeCodePanelDidEnd(const std::optional<std::string>& path) {
@@ -57,26 +57,33 @@ void ZelPrefWndController::selectBackupDataDirectory() {
     selectBackupDataDirectoryPanelDidEnd(
         runOpenPanel({.canChooseFiles = false,
                       .canChooseDirectories = true,
-                      .directoryPath = platform::expandingTilde(stored)}));
+                      .directoryPath = platform::expandingTilde(stored),
+                      .title = _services.strings.stringForKey("PrefBackupChoose")}));
 }
 
 void ZelPrefWndController::selectBackupDataDirectoryPanelDidEnd(
     const std::optional<std::string>& path) {
     if (path)
-        storeText(*path, settings::backupDataDir);
+        _services.defaults.setObject(*path, settings::backupDataDir);
 }
 
 void ZelPrefWndController::putLogFile() {
     const auto stored = platform::expandingTilde(
         _services.defaults.stringForKey(settings::logFilePath).value_or(""));
-    putLogFilePanelDidEnd(_services.panels.runSavePanel(
-        {platform::deletingLastPathComponent(stored), platform::lastPathComponent(stored)},
-        &_form->window()));
+    platform::SavePanel panel;
+    panel.title = _services.strings.stringForKey("PrefLogChoose");
+    panel.directoryPath = platform::deletingLastPathComponent(stored);
+    // The panel adds its own extension, which need not be the one set by other means.
+    panel.name = platform::deletingPathExtension(platform::lastPathComponent(stored));
+    panel.allowedFileType = "txt";
+    panel.isExtensionHidden = true;
+    panel.canSelectHiddenExtension = true;
+    putLogFilePanelDidEnd(_services.panels.runSavePanel(panel, &_form->window()));
 }
 
 void ZelPrefWndController::putLogFilePanelDidEnd(const std::optional<std::string>& path) {
     if (path)
-        storeText(*path, settings::logFilePath);
+        _services.defaults.setObject(*path, settings::logFilePath);
 }
 
 std::optional<std::string> ZelPrefWndController::runOpenPanel(const platform::OpenPanel& panel) {
@@ -91,22 +98,13 @@ void ZelPrefWndController::storeCode(const std::string& path, std::string_view c
     if (!files.isDirectoryAtPath(path)) {
         const auto codes = files.hfsCodesOfItemAtPath(path);
         const uint32_t value = codes ? (*codes).*code : 0;
-        return storeText(platform::utf8FromUTF16(StringFromFourCharCode(value)), codeKey);
+        return _services.defaults.setObject(platform::utf8FromUTF16(StringFromFourCharCode(value)),
+                                            codeKey);
     }
     if (const auto text = bundleString(files, path, bundleKey))
-        storeText(*text, codeKey);
+        _services.defaults.setObject(*text, codeKey);
     else
         _services.defaults.removeObjectForKey(codeKey);
-}
-
-void ZelPrefWndController::storeText(const std::string& text, std::string_view key) {
-    // Kept in the store, it would make every later save fail.
-    if (!platform::xmlFromPropertyList(text)) {
-        _services.userInterface.runModal(
-            {_services.strings.stringForKey("FailedKeepSetting"), platform::displayPath(text)});
-        return;
-    }
-    _services.defaults.setObject(text, key);
 }
 
 } // namespace zelmora

@@ -58,8 +58,11 @@ class PropertyListValue {
 /// Reads an XML property list. EINVAL when it is not one, with a message that begins with `name`.
 Result<PropertyListValue> propertyListFromXML(std::string_view xml, std::string_view name);
 
-/// Writes `value` as an XML property list, line feeds and all. EILSEQ when a string in it is not
-/// UTF-8 or holds a character that XML cannot.
+/// Whether a string of a property list can hold `text`: it is UTF-8, of characters that XML has.
+[[nodiscard]] bool isPropertyListText(std::string_view text);
+
+/// Writes `value` as an XML property list, line feeds and all. EILSEQ when a string in it is no
+/// such text.
 Result<std::string> xmlFromPropertyList(const PropertyListValue& value);
 
 /// The 64-bit integer that all of `text` writes in decimal, with or without a sign; nullopt when it

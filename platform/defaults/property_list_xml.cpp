@@ -33,15 +33,6 @@ struct XMLRelease {
     void operator()(char* xml) const { plist_to_xml_free(xml); }
 };
 
-/// Whether `text` is UTF-8 and holds only characters that XML 1.0 can.
-bool isXMLText(std::string_view text) {
-    const auto decoded = decodeText(bytesOf(text), TextEncoding::utf8);
-    return decoded && std::ranges::none_of(*decoded, [](char16_t unit) {
-               const bool isSpace = unit == u'\t' || unit == u'\n' || unit == u'\r';
-               return (unit < 0x20 && !isSpace) || unit == 0xFFFE || unit == 0xFFFF;
-           });
-}
-
 std::string_view withoutOuterSpace(std::string_view text) {
     constexpr std::string_view kSpace = " \t\r\n";
     const size_t first = text.find_first_not_of(kSpace);
@@ -190,7 +181,7 @@ class Reader {
         uint64_t length = 0;
         const char* chars = plist_get_string_ptr(node, &length);
         std::string text(chars, length);
-        if (!isXMLText(text))
+        if (!isPropertyListText(text))
             return fail("a string that is not UTF-8 text");
         value = std::move(text);
         return true;
@@ -221,7 +212,7 @@ class Reader {
             plist_t item = nullptr;
             plist_dict_next_item(node, iterator, &rawKey, &item);
             const std::unique_ptr<char, decltype(&free)> key(rawKey, &free);
-            if (!isXMLText(key.get()))
+            if (!isPropertyListText(key.get()))
                 return fail("a key that is not UTF-8 text");
             if (!read(item, depth + 1, entries[key.get()]))
                 return false;
@@ -247,7 +238,7 @@ class Writer {
         return Node(plist_new_real(value));
     }
     Node operator()(const std::string& value) {
-        if (!isXMLText(value))
+        if (!isPropertyListText(value))
             return fail(displayPath(value) + ": characters that a property list cannot hold");
         return Node(plist_new_string(value.c_str()));
     }
@@ -270,7 +261,7 @@ class Writer {
             Node item = std::visit(*this, value.content());
             if (!item)
                 return nullptr;
-            if (!isXMLText(key))
+            if (!isPropertyListText(key))
                 return fail(displayPath(key) + ": characters that a key cannot hold");
             plist_dict_set_item(dictionary.get(), key.c_str(), item.release());
         }
@@ -289,6 +280,14 @@ class Writer {
 };
 
 } // namespace
+
+bool isPropertyListText(std::string_view text) {
+    const auto decoded = decodeText(bytesOf(text), TextEncoding::utf8);
+    return decoded && std::ranges::none_of(*decoded, [](char16_t unit) {
+               const bool isSpace = unit == u'\t' || unit == u'\n' || unit == u'\r';
+               return (unit < 0x20 && !isSpace) || unit == 0xFFFE || unit == 0xFFFF;
+           });
+}
 
 std::optional<int64_t> integerFromDecimal(std::string_view text) {
     return numberFromDecimal<int64_t>(text);

@@ -31,6 +31,33 @@ std::vector<std::string_view> keysOfWrongType(const PropertyListDictionary& valu
     return wrong;
 }
 
+// A path may hold bytes that are no text: a string setting of that kind is saved as data.
+
+void takeDataAsStrings(PropertyListDictionary& values, std::span<const SettingKey> knownKeys) {
+    for (const SettingKey& key : knownKeys) {
+        const auto found = values.find(key.name);
+        if (found == values.end() || key.type != SettingType::string)
+            continue;
+        if (const auto* bytes = found->second.as<Bytes>())
+            found->second = std::string(charsOf(*bytes));
+    }
+}
+
+PropertyListDictionary withDataForStrings(PropertyListDictionary values,
+                                          std::span<const SettingKey> knownKeys) {
+    for (const SettingKey& key : knownKeys) {
+        const auto found = values.find(key.name);
+        if (found == values.end() || key.type != SettingType::string)
+            continue;
+        const auto* text = found->second.as<std::string>();
+        if (text && !isPropertyListText(*text)) {
+            const ByteView bytes = bytesOf(*text);
+            found->second = Bytes(bytes.begin(), bytes.end());
+        }
+    }
+    return values;
+}
+
 std::string wrongTypeMessage(const std::string& path, std::string_view key) {
     return displayPath(path) + ": " + std::string(key) + ": a value of the wrong type";
 }
@@ -67,6 +94,7 @@ SavedSettings readSavedSettings(FileManager& files, const std::string& path,
     if (!values)
         return {{}, {name + ": not a dictionary of settings"}};
     SavedSettings saved{std::move(*values), {}};
+    takeDataAsStrings(saved.values, knownKeys);
     for (const std::string_view key : keysOfWrongType(saved.values, knownKeys)) {
         saved.problems.push_back(wrongTypeMessage(path, key));
         saved.values.erase(saved.values.find(key));
@@ -89,7 +117,7 @@ Result<PropertyListDictionary> mergeIntoSavedSettings(FileManager& files, const 
     // A file that load() would refuse must not come from here.
     if (const auto wrong = keysOfWrongType(file.values, knownKeys); !wrong.empty())
         return Error{EINVAL, wrongTypeMessage(path, wrong.front())};
-    const auto xml = xmlFromPropertyList(file.values);
+    const auto xml = xmlFromPropertyList(withDataForStrings(file.values, knownKeys));
     if (!xml)
         return Error{xml.error().code, displayPath(path) + ": " + xml.error().message};
     if (const auto status = files.replaceFileAtPath(path, bytesOf(*xml)); !status)

@@ -47,7 +47,7 @@ class UserDefaults {
 
     [[nodiscard]] int64_t integerForKey(std::string_view key) const;
     [[nodiscard]] bool boolForKey(std::string_view key) const;
-    /// UTF-8; for a path given on the command line, the file system's own bytes.
+    /// UTF-8; for a path, the file system's own bytes.
     [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const;
     [[nodiscard]] std::optional<PropertyListArray> arrayForKey(std::string_view key) const;
     [[nodiscard]] std::optional<PropertyListValue> objectForKey(std::string_view key) const;
@@ -94,7 +94,8 @@ class UserDefaults {
     /// it, so that another process's changes to other keys survive, and are what this store then
     /// reads. Its folder is made when missing. Without a change nothing is written. On failure,
     /// also when the file has become one that load() would complain of, it stays as it was and the
-    /// changes stay to be saved. REQUIRES: load() was called.
+    /// changes stay to be saved. A known string that is no text is saved as data, and load() makes
+    /// it a string again. REQUIRES: load() was called.
     Status save(FileManager& files);
 
   private:

@@ -2,11 +2,10 @@
 
 #include "platform/desktop/open_panel_dialog.h"
 #include "platform/desktop/qt_interface.h"
+#include "platform/desktop/save_panel_dialog.h"
 #include "platform/text/path_string.h"
 
 #include <QEventLoop>
-#include <QFile>
-#include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -165,15 +164,11 @@ std::vector<std::string> DesktopUserInterface::runOpenPanel(const OpenPanel& pan
 std::optional<std::string> DesktopUserInterface::runSavePanel(const SavePanel& panel,
                                                               Window* sheetParent) {
     const Busy busy(*this);
-    QFileDialog dialog(widgetOf(sheetParent));
-    dialog.setWindowModality(Qt::WindowModal);
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDirectory(QFile::decodeName(startFolder(panel.directoryPath).c_str()));
-    dialog.selectFile(QString::fromStdString(panel.name));
+    SavePanelDialog dialog(panel, widgetOf(sheetParent));
+    dialog.showFolder(startFolder(panel.directoryPath));
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
-    return QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString();
+    return dialog.chosenPath();
 }
 
 size_t DesktopUserInterface::runQuestion(const Question& question, Window* sheetParent) {

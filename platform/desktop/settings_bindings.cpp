@@ -1,5 +1,7 @@
 #include "platform/desktop/settings_bindings.h"
 
+#include "platform/text/utf8.h"
+
 #include <QButtonGroup>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -9,8 +11,9 @@ namespace zelmora::platform {
 
 namespace {
 
+/// A path's bytes that are no text show as escapes.
 QString storedText(const UserDefaults& defaults, const std::string& key) {
-    return QString::fromStdString(defaults.stringForKey(key).value_or(std::string()));
+    return QString::fromStdString(displayPath(defaults.stringForKey(key).value_or(std::string())));
 }
 
 /// Refuses what does not match its pattern; an unfinished text gives way to the stored one.

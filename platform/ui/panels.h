@@ -17,12 +17,19 @@ struct OpenPanel {
     bool canChooseDirectories = false;
     bool allowsMultipleSelection = false;
     std::string directoryPath{}; ///< where it begins; empty: the home folder
+    std::string title{};         ///< says what is to be chosen
 };
 
 /// A panel for the place of a file that is to be written.
 struct SavePanel {
     std::string directoryPath{}; ///< where it begins; empty: the home folder
-    std::string name{};          ///< offered as the file's name
+    std::string name{};          ///< offered as the file's name, raw bytes
+    std::string title{};         ///< says what is to be written
+
+    /// The extension that the name ends in, without its dot; empty: any, or none.
+    std::string allowedFileType{};
+    bool isExtensionHidden = false;        ///< the panel shows names without it, to begin with
+    bool canSelectHiddenExtension = false; ///< whether the user may decide that
 };
 
 /// A message with buttons to choose from.

@@ -4,11 +4,14 @@
 #include "engine/progress_window.h"
 #include "platform/desktop/main_window.h"
 #include "platform/desktop/open_panel_dialog.h"
+#include "platform/desktop/save_panel_dialog.h"
 
 #include <QAbstractButton>
 #include <QClipboard>
 #include <QDragEnterEvent>
+#include <QKeyEvent>
 #include <QMimeData>
+#include <QPushButton>
 #include <QTimer>
 #include <QTreeWidget>
 #include <gmock/gmock.h>
@@ -162,6 +165,84 @@ TEST_F(DesktopTest, TheOpenPanelOffersFilesAndFoldersWithAnyNames) {
             paths.push_back(path.substr(folder.path().size() + 1));
         EXPECT_THAT(paths, ::testing::UnorderedElementsAreArray(chosen));
     }
+}
+
+/// Types `text` as the user would, with all its signals.
+void type(QLineEdit& edit, const QString& text) {
+    edit.selectAll();
+    edit.insert(text);
+    Q_EMIT edit.textEdited(edit.text());
+}
+
+TEST_F(DesktopTest, TheSavePanelAnswersANameOfItsType) {
+    const auto place = folder / "\x82\xa0";
+    for (const char* name : {"b.txt", "c.log", "\xff.TXT"})
+        folder.writeFile("\x82\xa0/" + std::string(name), "");
+    const struct {
+        const char* typed; ///< null: what is offered stays
+        bool hidesExtension;
+        const char* name; ///< null: Save is greyed out
+    } cases[] = {
+        {nullptr, true, "zelmora.txt"}, {nullptr, false, "zelmora.txt"},
+        {"a", true, "a.txt"},           {"a.txt", true, "a.txt"},
+        {"a.TXT", false, "a.TXT"},      {"a.log", true, "a.log.txt"},
+        {"日本", false, "日本.txt"},    {"", true, nullptr},
+        {"..", true, nullptr},          {"a/b", true, nullptr},
+    };
+    platform::SavePanel panel;
+    panel.name = "zelmora";
+    panel.allowedFileType = "txt";
+    panel.canSelectHiddenExtension = true;
+    for (const auto& [typed, hidesExtension, name] : cases) {
+        SCOPED_TRACE(typed ? typed : "what is offered");
+        panel.isExtensionHidden = hidesExtension;
+        platform::SavePanelDialog dialog(panel, nullptr);
+        dialog.showFolder(place);
+        auto& field = *dialog.findChildren<QLineEdit*>().last();
+        if (typed)
+            type(field, typed);
+        EXPECT_EQ(
+            dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->isEnabled(),
+            name != nullptr);
+        if (!name)
+            continue;
+        EXPECT_EQ(dialog.chosenPath(), place + "/" + name);
+        auto* hides = dialog.findChild<QCheckBox*>();
+        hides->setChecked(false);
+        hides->setChecked(true);
+        EXPECT_FALSE(field.text().endsWith(".txt"));
+        hides->setChecked(false);
+        EXPECT_EQ(field.text(), name);
+        EXPECT_EQ(dialog.chosenPath(), place + "/" + name);
+    }
+}
+
+TEST_F(DesktopTest, TheSavePanelTakesAnExistingFileOnlyWhenConfirmed) {
+    folder.writeFile("\xff.txt", "");
+    folder.writeFile("z.txt/in.txt", "");
+    platform::SavePanel panel;
+    panel.allowedFileType = "txt";
+    panel.isExtensionHidden = true;
+    platform::SavePanelDialog dialog(panel, nullptr);
+    dialog.showFolder(folder.path());
+    dialog.show();
+    auto* list = dialog.findChild<QListWidget*>();
+    ASSERT_EQ(list->count(), 2);
+    list->setCurrentRow(1);
+    EXPECT_EQ(dialog.findChildren<QLineEdit*>().last()->text(), "\\xFF");
+    EXPECT_EQ(dialog.chosenPath(), folder / "\xff.txt");
+    for (const bool confirms : {false, true}) {
+        answerBoxes(confirms ? "Yes" : "No");
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(list, &enter);
+        EXPECT_EQ(dialog.isVisible(), !confirms);
+        EXPECT_EQ(std::exchange(boxTexts, {}).size(), 1U);
+    }
+    dialog.show();
+    type(*dialog.findChildren<QLineEdit*>().last(), "z");
+    dialog.accept();
+    EXPECT_TRUE(dialog.isVisible()) << "a folder is opened";
+    EXPECT_EQ(list->count(), 1);
 }
 
 } // namespace

@@ -109,7 +109,7 @@ TEST_F(SavedSettingsTest, FileDamagedSinceLoadIsNotReplaced) {
 
 TEST_F(SavedSettingsTest, WhatCouldNotBeLoadedAgainIsNotSaved) {
     const std::pair<std::string_view, PropertyListValue> cases[] = {
-        {"code", "4"}, {"path", "/\xFF"}, {"list", PropertyListArray{"txt"}}};
+        {"code", "4"}, {"unknown", "/\xFF"}, {"list", PropertyListArray{"txt"}}};
     for (const auto& [key, value] : cases) {
         UserDefaults defaults(kKeys);
         ASSERT_TRUE(defaults.load(_files, _path).empty());
@@ -118,6 +118,20 @@ TEST_F(SavedSettingsTest, WhatCouldNotBeLoadedAgainIsNotSaved) {
         ASSERT_FALSE(status) << key;
         EXPECT_THAT(status.error().message, StartsWith(_path)) << key;
         EXPECT_FALSE(std::filesystem::exists(_path)) << key;
+    }
+}
+
+TEST_F(SavedSettingsTest, StringsThatAreNoTextSurvive) {
+    for (const std::string path : {"/\x82\xA0", "/\x1B", "", "/あ"}) {
+        UserDefaults defaults(kKeys);
+        ASSERT_TRUE(defaults.load(_files, _path).empty());
+        defaults.setObject(path, "path");
+        const auto status = defaults.save(_files);
+        ASSERT_TRUE(status) << status.error().message;
+        EXPECT_EQ(defaults.stringForKey("path"), path);
+        UserDefaults later(kKeys);
+        EXPECT_TRUE(later.load(_files, _path).empty());
+        EXPECT_EQ(later.stringForKey("path"), path);
     }
 }
 
