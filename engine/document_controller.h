@@ -166,10 +166,12 @@ class ZelDocumentController : public ProgressWindowDelegate {
     std::unique_ptr<PThreadConditional> _wakeupConversionThread;
     std::atomic<bool> _shouldTerminateThread = false;
 
-    /// How often the worker has been woken, and who hears of what becomes of a batch. Blocks on the
-    /// main queue hold it weakly; all but `wakeups` is for the main thread only.
+    /// How often the worker has been woken, whether its progress is still to be shown, and who
+    /// hears of what becomes of a batch. Blocks on the main queue hold it weakly; all but the
+    /// atomic ones is for the main thread only.
     struct Batch {
         std::atomic<uint64_t> wakeups = 0;
+        std::atomic<bool> isProgressScheduled = false;
         uint64_t wakeupsFinished = 0; ///< `wakeups` at the last end that was told
         std::function<void()> finishedHandler;
         std::function<void(const LostCharacters&)> lostCharactersHandler;

@@ -206,21 +206,26 @@ void ZelDocumentController::tellLostCharacters(LostCharacters lost) const {
 }
 
 void ZelDocumentController::updateProgressWindow() const {
-    _services.mainLoop.mainQueue().async([window = std::weak_ptr(_progressWindow),
-                                          list = std::weak_ptr(_fileList),
-                                          &strings = _services.strings] {
-        const auto progressWindow = window.lock();
-        const auto fileList = list.lock();
-        if (!progressWindow || !fileList)
-            return;
-        const uint32_t index = fileList->currentIndex();
-        const uint64_t count = fileList->count();
-        progressWindow->labelStaticText().setStringValue(
-            strings.format("ConversionRemainItemCount", {std::to_string(count - index)}));
-        if (count != 0) // emptied meanwhile: the window is about to close
-            progressWindow->progressBar().setDoubleValue(
-                double{static_cast<float>(index) / static_cast<float>(count) * 100.0F});
-    });
+    // A block shows what is so when it runs; a second one behind it would show the same.
+    if (_batch->isProgressScheduled.exchange(true))
+        return;
+    _services.mainLoop.mainQueue().asyncLater(
+        [window = std::weak_ptr(_progressWindow), list = std::weak_ptr(_fileList),
+         current = std::weak_ptr(_batch), &strings = _services.strings] {
+            const auto progressWindow = window.lock();
+            const auto fileList = list.lock();
+            const auto batch = current.lock();
+            if (!progressWindow || !fileList || !batch)
+                return;
+            batch->isProgressScheduled = false; // first: what changes from now on needs a new block
+            const uint32_t index = fileList->currentIndex();
+            const uint64_t count = fileList->count();
+            progressWindow->labelStaticText().setStringValue(
+                strings.format("ConversionRemainItemCount", {std::to_string(count - index)}));
+            if (count != 0) // emptied meanwhile: the window is about to close
+                progressWindow->progressBar().setDoubleValue(
+                    double{static_cast<float>(index) / static_cast<float>(count) * 100.0F});
+        });
 }
 
 } // namespace zelmora

@@ -12,8 +12,8 @@ namespace zelmora::platform {
 
 namespace {
 
-// How long the observers of `beforeWaiting` may have to wait for their next turn: one of them draws
-// progress, and what it puts off must not stay away while a large file is converted.
+// How long a block scheduled for later, and the observers of `beforeWaiting`, may have to wait for
+// their turn: progress and its drawing must not stay away while a large file is converted.
 constexpr int kLongestWaitMilliseconds = 50;
 
 sigset_t stoppingSignals() {

@@ -28,6 +28,7 @@ class TerminalRunLoop : public RunLoop {
 
   protected:
     void wakeUp() override;
+    void wakeUpLater() override {} // no wait is longer
 
   private:
     void wait();

@@ -3,6 +3,7 @@
 
 #include "platform/events/run_loop.h"
 
+#include <QBasicTimer>
 #include <QObject>
 
 namespace zelmora::platform {
@@ -20,6 +21,7 @@ class DesktopRunLoop final : public RunLoop {
 
   protected:
     void wakeUp() override;
+    void wakeUpLater() override;
 
   private:
     /// Where the posted events arrive.
@@ -30,6 +32,7 @@ class DesktopRunLoop final : public RunLoop {
 
       private:
         DesktopRunLoop& _loop;
+        QBasicTimer _later;
     };
 
     Receiver _receiver{*this};

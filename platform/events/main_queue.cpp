@@ -4,14 +4,22 @@
 
 namespace zelmora::platform {
 
-MainQueue::MainQueue(std::function<void()> wakeUp) : _wakeUp(std::move(wakeUp)) {}
+MainQueue::MainQueue(std::function<void()> wakeUp, std::function<void()> wakeUpLater)
+    : _wakeUp(std::move(wakeUp)), _wakeUpLater(std::move(wakeUpLater)) {}
 
 void MainQueue::async(Block block) {
-    {
-        const std::lock_guard lock(_mutex);
-        _blocks.push_back(std::move(block));
-    }
+    add(std::move(block));
     _wakeUp();
+}
+
+void MainQueue::asyncLater(Block block) {
+    add(std::move(block));
+    _wakeUpLater();
+}
+
+void MainQueue::add(Block block) {
+    const std::lock_guard lock(_mutex);
+    _blocks.push_back(std::move(block));
 }
 
 bool MainQueue::drain() {

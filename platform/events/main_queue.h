@@ -8,14 +8,15 @@
 namespace zelmora::platform {
 
 /// A queue of blocks that run on the main thread, in the order they were scheduled. The run loop
-/// empties it; whoever adds a block wakes the loop through the wake-up given to the constructor.
+/// empties it; whoever adds a block wakes the loop through a wake-up given to the constructor.
 class MainQueue {
   public:
     using Block = std::function<void()>;
 
-    /// `wakeUp` is called, on the scheduling thread, after each block is added. It must be safe on
-    /// any thread and outlive the queue.
-    explicit MainQueue(std::function<void()> wakeUp);
+    /// `wakeUp` is called, on the scheduling thread, after each block that async() adds, and
+    /// `wakeUpLater` after each that asyncLater() adds. They must be safe on any thread and outlive
+    /// the queue.
+    MainQueue(std::function<void()> wakeUp, std::function<void()> wakeUpLater);
 
     MainQueue(const MainQueue&) = delete;
     MainQueue& operator=(const MainQueue&) = delete;
@@ -23,12 +24,19 @@ class MainQueue {
     /// Schedules `block`; any thread. Returns at once.
     void async(Block block);
 
+    /// The same for what is not worth waking the loop at once: it runs within 50 ms of the loop
+    /// being idle, or sooner with a block that the loop wakes for.
+    void asyncLater(Block block);
+
     /// Runs the blocks scheduled so far, and those they schedule, until there is none. Main thread
     /// only; a block may call it again (a modal alert does). Answers whether it ran any.
     bool drain();
 
   private:
+    void add(Block block);
+
     std::function<void()> _wakeUp;
+    std::function<void()> _wakeUpLater;
     std::mutex _mutex;
     std::deque<Block> _blocks;
 };

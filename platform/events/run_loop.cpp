@@ -10,7 +10,7 @@ namespace {
 std::vector<RunLoop*> liveLoops;
 } // namespace
 
-RunLoop::RunLoop() : _mainQueue([this] { wakeUp(); }) {
+RunLoop::RunLoop() : _mainQueue([this] { wakeUp(); }, [this] { wakeUpLater(); }) {
     liveLoops.push_back(this);
 }
 

@@ -11,7 +11,7 @@ namespace zelmora::platform {
 
 /// Runs the main queue and tells its observers when it is about to wait and when it exits. Each
 /// front-end derives its own (a terminal's, the desktop's). Main thread only, but for
-/// mainQueue().async() and stop().
+/// scheduling on mainQueue() and stop().
 class RunLoop {
   public:
     enum Activity : uint32_t { beforeWaiting = 0x20, exit = 0x80 };
@@ -45,6 +45,8 @@ class RunLoop {
     void notify(Activity activity);
     /// Wakes run() when it waits; any thread.
     virtual void wakeUp() = 0;
+    /// Wakes run() within 50 ms when it waits; any thread.
+    virtual void wakeUpLater() { wakeUp(); }
 
   private:
     struct Entry {

@@ -34,6 +34,16 @@ TEST(TerminalRunLoop, RunsWhatOtherThreadsScheduleUntilItIsStopped) {
     EXPECT_EQ(loop.run(), 0);
 }
 
+TEST(TerminalRunLoop, RunsWhatIsScheduledForLaterWhileItWaits) {
+    TerminalRunLoop loop;
+    std::thread other([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        loop.mainQueue().asyncLater([&] { loop.stop(7); });
+    });
+    EXPECT_EQ(loop.run(), 7);
+    other.join();
+}
+
 TEST(TerminalRunLoop, DeliversSignalsInsteadOfDying) {
     TerminalRunLoop loop;
     std::vector<int> received;

@@ -11,23 +11,25 @@ namespace {
 
 TEST(MainQueue, RunsBlocksInOrderAndThoseTheyScheduleToo) {
     int wakeUps = 0;
-    MainQueue queue([&] { ++wakeUps; });
+    int laterWakeUps = 0;
+    MainQueue queue([&] { ++wakeUps; }, [&] { ++laterWakeUps; });
     std::vector<int> ran;
     queue.async([&] {
         ran.push_back(1);
         queue.async([&] { ran.push_back(3); });
     });
-    queue.async([&] { ran.push_back(2); });
+    queue.asyncLater([&] { ran.push_back(2); });
 
     EXPECT_TRUE(ran.empty()) << "a block ran when it was scheduled";
     EXPECT_TRUE(queue.drain());
     EXPECT_EQ(ran, (std::vector{1, 2, 3}));
-    EXPECT_EQ(wakeUps, 3);
+    EXPECT_EQ(wakeUps, 2);
+    EXPECT_EQ(laterWakeUps, 1);
     EXPECT_FALSE(queue.drain());
 }
 
 TEST(MainQueue, CanBeDrainedWithinABlock) {
-    MainQueue queue([] {});
+    MainQueue queue([] {}, [] {});
     std::vector<int> ran;
     queue.async([&] {
         EXPECT_TRUE(queue.drain()); // as a modal alert does
@@ -42,7 +44,7 @@ TEST(MainQueue, LosesAndReordersNothingThatOtherThreadsSchedule) {
     constexpr int threadCount = 4;
     constexpr int blockCount = 2000;
     std::atomic<int> wakeUps = 0;
-    MainQueue queue([&] { ++wakeUps; });
+    MainQueue queue([&] { ++wakeUps; }, [] {});
     std::vector<std::vector<int>> ran(threadCount);
     std::vector<std::thread> threads;
     for (size_t thread = 0; thread < threadCount; ++thread) {
