@@ -20,6 +20,20 @@ QString indentedLine(const QTreeWidgetItem& item) {
     return (item.parent() ? "\t" : "") + item.text(0) + "\n";
 }
 
+/// `text` with places at which a label may break its long words: paths have none of their own.
+QString withBreaks(const QString& text) {
+    constexpr QChar breakPlace(0x200B); // ZERO WIDTH SPACE
+    constexpr qsizetype longestWord = 32;
+    QStringList words = text.split(' ');
+    for (auto& word : words) {
+        for (qsizetype i = word.size() > longestWord ? word.size() - 1 : 0; i > 0; --i) {
+            if (!word[i].isLowSurrogate() && !word[i].isMark())
+                word.insert(i, breakPlace);
+        }
+    }
+    return words.join(' ');
+}
+
 } // namespace
 
 MessageListWindow::MessageListWindow()
@@ -37,7 +51,6 @@ void MessageListWindow::makeContents() {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
         label->setMinimumWidth(kListSize.width() / 2);
-        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     }
     QFont bold = _message->font();
     bold.setBold(true);
@@ -103,12 +116,14 @@ void MessageListWindow::update() {
     _message->setText(isList  ? tr("MessageListCount").replace("%u", QString::number(_count))
                       : first ? first->text(0)
                               : QString());
-    _information->setText(firstDetail ? firstDetail->text(0) : QString());
+    _information->setText(firstDetail ? withBreaks(firstDetail->text(0)) : QString());
     _information->setVisible(!isList && firstDetail);
-    if (_list->isVisibleTo(this) != isList) {
-        _list->setVisible(isList);
-        resize(isList ? kListSize : QSize());
-    }
+    const bool becomesList = isList && !_list->isVisibleTo(this);
+    _list->setVisible(isList);
+    if (becomesList)
+        resize(kListSize);
+    else if (!isList)
+        adjustSize();
 }
 
 void MessageListWindow::showInFront() {

@@ -27,7 +27,8 @@ SavePanelDialog::SavePanelDialog(const SavePanel& panel, QWidget* parent)
         updateSaveButton();
     });
     connect(_hidesExtension, &QCheckBox::toggled, this, [this] { setName(chosenName()); });
-    setName(panel.name);
+    _name = panel.name;
+    setName(chosenName());
     setTabOrder(&list(), _nameField);
     setTabOrder(_nameField, _hidesExtension);
     _nameField->setFocus();
