@@ -137,9 +137,10 @@ class ZelDocumentController : public ProgressWindowDelegate {
     };
 
     void conversionThreadProc();
-    bool convertQueuedFiles();
+    void convertQueuedFiles();
     void updateProgressWindow() const;
     void finishBatch(uint64_t wakeupsSeen) const;
+    void quitAutomatically(uint64_t wakeupsSeen) const;
     void tellLostCharacters(LostCharacters lost) const;
 
     [[nodiscard]] Conversion convertFile(const std::string& srcPath) const;

@@ -134,25 +134,19 @@ bool ZelDocumentController::releaseContents() {
 }
 
 void ZelDocumentController::conversionThreadProc() {
-    bool quitsAutomatically = false;
     {
         const OrvPtr<> threadPool(OrvTemporaryObjectsPoolCreate());
         if (!_shouldTerminateThread)
-            quitsAutomatically = convertQueuedFiles();
-    }
-    if (quitsAutomatically) {
-        _shouldTerminateThread = true;
-        _services.mainLoop.mainQueue().async(
-            [&userInterface = _services.userInterface] { userInterface.terminate(); });
+            convertQueuedFiles();
     }
     // The last touch: once this is signalled, the controller and its services may be gone.
     _conversionThreadIsDead->signal();
 }
 
-/// The worker's loop, until it is told to end. Answers whether it ends to quit the application.
-bool ZelDocumentController::convertQueuedFiles() {
+/// The worker's loop, until it is told to end.
+void ZelDocumentController::convertQueuedFiles() {
     bool hasConverted = false;
-    for (;;) {
+    do {
         // Read before the queue is: a batch is over only when no wake-up came after this.
         const uint64_t wakeupsSeen = _batch->wakeups;
         std::optional<std::string> path;
@@ -169,13 +163,25 @@ bool ZelDocumentController::convertQueuedFiles() {
         }
         if (!path) {
             if (hasConverted && _services.defaults.boolForKey(settings::autoQuit))
-                return true;
-            finishBatch(wakeupsSeen);
+                quitAutomatically(wakeupsSeen);
+            else
+                finishBatch(wakeupsSeen);
             _wakeupConversionThread->wait();
         }
-        if (_shouldTerminateThread)
-            return false;
-    }
+    } while (!_shouldTerminateThread);
+}
+
+/// Asks for the application's end, which tells this thread to end, too. It sleeps meanwhile and
+/// does not end at once, for more may be handed over before the main thread comes to it, which may
+/// be long, with a panel open; that is then converted first.
+void ZelDocumentController::quitAutomatically(uint64_t wakeupsSeen) const {
+    const auto isStillWanted = [batch = std::weak_ptr(_batch), wakeupsSeen] {
+        const auto current = batch.lock();
+        return current && current->wakeups == wakeupsSeen;
+    };
+    _services.mainLoop.mainQueue().async([&userInterface = _services.userInterface, isStillWanted] {
+        userInterface.terminateIf(isStillWanted);
+    });
 }
 
 void ZelDocumentController::finishBatch(uint64_t wakeupsSeen) const {

@@ -140,15 +140,27 @@ std::unique_ptr<ModalSession> DesktopUserInterface::beginModalSessionForWindow(W
 
 void DesktopUserInterface::terminate() {
     _shouldTerminate = true;
+    terminateLater();
+}
+
+void DesktopUserInterface::terminateIf(std::function<bool()> isStillWanted) {
+    _mayTerminate = std::move(isStillWanted);
+    terminateLater();
+}
+
+void DesktopUserInterface::terminateLater() {
     _services.application.runLoop().mainQueue().async([this] {
-        if (_busyCount == 0 && std::exchange(_shouldTerminate, false))
+        if (_busyCount > 0)
+            return;
+        const auto mayTerminate = std::exchange(_mayTerminate, {});
+        if (std::exchange(_shouldTerminate, false) || (mayTerminate && mayTerminate()))
             _services.application.terminate();
     });
 }
 
 void DesktopUserInterface::endBusy() {
-    if (--_busyCount == 0 && _shouldTerminate)
-        terminate();
+    if (--_busyCount == 0 && (_shouldTerminate || _mayTerminate))
+        terminateLater();
 }
 
 std::vector<std::string> DesktopUserInterface::runOpenPanel(const OpenPanel& panel,

@@ -39,6 +39,7 @@ class DesktopUserInterface final : public UserInterface, public Panels {
     std::unique_ptr<LoadedForm> loadForm(std::string_view name);
     std::unique_ptr<ModalSession> beginModalSessionForWindow(Window& window) override;
     void terminate() override;
+    void terminateIf(std::function<bool()> isStillWanted) override;
     [[nodiscard]] bool isTerminating() const override { return _shouldTerminate; }
 
     std::vector<std::string> runOpenPanel(const OpenPanel& panel, Window* sheetParent) override;
@@ -60,12 +61,14 @@ class DesktopUserInterface final : public UserInterface, public Panels {
     };
 
     void endBusy();
+    void terminateLater();
     void showAlertsLater();
 
     Services _services;
     int _busyCount = 0;
     int _sessionCount = 0;
     bool _shouldTerminate = false;              ///< as soon as nothing is open
+    std::function<bool()> _mayTerminate;        ///< asked then, if it is there
     std::optional<Busy> _busyWithAlerts;        ///< from the first alert to their dismissal
     std::unique_ptr<MessageListWindow> _alerts; ///< null until there is one
 };

@@ -89,6 +89,12 @@ class UserInterface {
     virtual std::unique_ptr<ModalSession> beginModalSessionForWindow(Window& window) = 0;
     /// Ends the application, through its termination sequence. Returns before that has run.
     virtual void terminate() = 0;
+    /// The same at the program's own wish, unless `isStillWanted` answers NO by the time nothing is
+    /// in hand any more.
+    virtual void terminateIf(std::function<bool()> isStillWanted) {
+        if (isStillWanted())
+            terminate();
+    }
     /// Whether terminate() was called and waits for what is in hand: nothing more should begin.
     [[nodiscard]] virtual bool isTerminating() const { return false; }
 };

@@ -41,6 +41,32 @@ TEST_F(DesktopTest, AFailureIsReadBeforeTheApplicationEndsByItself) {
     EXPECT_EQ(readFile(folder / "good.txt"), "あ\n");
 }
 
+TEST_F(DesktopTest, WhatComesBeforeItHasEndedByItselfIsConverted) {
+    const std::string first = folder.writeFile("a.txt", "\x82\xa0\n");
+    const std::string late = folder.writeFile("b.txt", "\x82\xa2\n");
+    defaults.setBool(true, settings::autoQuit);
+    ZelAppController controller(services());
+    application.setDelegate(controller);
+    // A question keeps the application from ending, but not others from handing over.
+    application.runLoop().mainQueue().async([&] {
+        userInterface.runQuestion({"?", "", {"OK"}}, nullptr);
+    });
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        if (readFile(first) != "あ\n")
+            return;
+        user.stop();
+        // By then the worker has asked for the end.
+        QTimer::singleShot(200, [&] {
+            controller.applicationOpenFiles({late});
+            answerBoxes("OK");
+        });
+    });
+    user.start(5);
+    EXPECT_EQ(application.run({first}), 0);
+    EXPECT_EQ(readFile(late), "い\n");
+}
+
 TEST_F(DesktopTest, QuittingIdleEndsAtOnce) {
     ZelAppController controller(services());
     application.setDelegate(controller);

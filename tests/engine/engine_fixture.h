@@ -45,11 +45,14 @@ class RecordingUserInterface final : public platform::UserInterface {
     std::unique_ptr<platform::LoadedInterface> loadInterface(std::string_view name) override;
     std::unique_ptr<platform::ModalSession>
     beginModalSessionForWindow(platform::Window& window) override;
-    void terminate() override { ++terminations; }
+    void terminate() override {}
+    void terminateIf(std::function<bool()> isStillWanted) override {
+        mayTerminate = std::move(isStillWanted);
+    }
 
     std::vector<platform::Alert> alerts;
-    std::vector<std::string> events; ///< "1 show", "1 label ...": the interface's number, what
-    int terminations = 0;
+    std::vector<std::string> events;    ///< "1 show", "1 label ...": the interface's number, what
+    std::function<bool()> mayTerminate; ///< the last wish to quit; null: there was none
     /// The Cancel action of the interface of this number, 1 being the first loaded.
     std::vector<std::function<void()>> cancelActions;
     int openModalSessions = 0;
