@@ -43,7 +43,9 @@ TEST_F(DesktopTest, AFailureIsReadBeforeTheApplicationEndsByItself) {
 
 TEST_F(DesktopTest, WhatComesBeforeItHasEndedByItselfIsConverted) {
     const std::string first = folder.writeFile("a.txt", "\x82\xa0\n");
-    const std::string late = folder.writeFile("b.txt", "\x82\xa2\n");
+    std::vector<std::string> late;
+    for (int i = 0; i < 100; ++i)
+        late.push_back(folder.writeFile("late" + std::to_string(i) + ".txt", "\x82\xa2\n"));
     defaults.setBool(true, settings::autoQuit);
     ZelAppController controller(services());
     application.setDelegate(controller);
@@ -58,13 +60,14 @@ TEST_F(DesktopTest, WhatComesBeforeItHasEndedByItselfIsConverted) {
         user.stop();
         // By then the worker has asked for the end.
         QTimer::singleShot(200, [&] {
-            controller.applicationOpenFiles({late});
+            controller.applicationOpenFiles(late);
             answerBoxes("OK");
         });
     });
     user.start(5);
     EXPECT_EQ(application.run({first}), 0);
-    EXPECT_EQ(readFile(late), "い\n");
+    for (const auto& path : late)
+        EXPECT_EQ(readFile(path), "い\n") << path;
 }
 
 TEST_F(DesktopTest, QuittingIdleEndsAtOnce) {
