@@ -8,76 +8,56 @@
 #include "platform/text/wide_kernels.h"
 
 #if defined(__x86_64__)
-#include <array>
-#include <bit>
-#include <cstdint>
-#include <immintrin.h>
+#include "platform/text/wide_vectors.h"
 
-#define ZELMORA_WIDE __attribute__((target("avx2,bmi")))
+#include <array>
 
 namespace zelmora::platform {
 namespace {
 
-constexpr size_t kHalf = 32; ///< bytes in a vector
 constexpr int kCharacters = 32;
 
 struct ShiftJIS {
-    static constexpr char kSingles = ShiftJISTable::kSingles;
+    static constexpr int kSingles = ShiftJISTable::kSingles;
 
     /// ShiftJISTable::rowOf for every byte.
-    ZELMORA_WIDE static __m256i rowsOf(__m256i bytes) {
-        const __m256i folded = _mm256_xor_si256(bytes, _mm256_set1_epi8(0x20));
-        const __m256i rows = _mm256_sub_epi8(folded, _mm256_set1_epi8(static_cast<char>(0xA1)));
-        return _mm256_min_epu8(rows, _mm256_set1_epi8(kSingles));
+    ZELMORA_WIDE_PART static __m256i rowsOf(__m256i bytes) {
+        const __m256i folded = _mm256_xor_si256(bytes, bytesOf(0x20));
+        const __m256i rows = _mm256_sub_epi8(folded, bytesOf(0xA1));
+        return _mm256_min_epu8(rows, bytesOf(kSingles));
     }
 };
 
 struct EUCJP {
-    static constexpr char kSingles = static_cast<char>(JISTable::kASCII);
+    static constexpr int kSingles = JISTable::kASCII;
 
-    ZELMORA_WIDE static __m256i rowsOf(__m256i bytes) {
-        const __m256i rows = _mm256_xor_si256(bytes, _mm256_set1_epi8(kSingles));
-        return _mm256_min_epu8(rows, _mm256_set1_epi8(kSingles));
+    ZELMORA_WIDE_PART static __m256i rowsOf(__m256i bytes) {
+        const __m256i rows = _mm256_xor_si256(bytes, bytesOf(kSingles));
+        return _mm256_min_epu8(rows, bytesOf(kSingles));
     }
 };
 
-ZELMORA_WIDE inline __m256i load(const Octet* in) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
-}
-
-ZELMORA_WIDE inline void store(void* out, __m256i value) {
-    _mm256_storeu_si256(static_cast<__m256i*>(out), value);
-}
-
 /// Whether one byte of the window is not ASCII, or 5C and `isASCII` is not set.
-ZELMORA_WIDE inline bool hasSpecial(__m256i low, __m256i high, bool isASCII) {
+ZELMORA_WIDE_PART bool hasSpecial(__m256i low, __m256i high, bool isASCII) {
     __m256i special = _mm256_or_si256(low, high);
     if (!isASCII) {
-        const __m256i backslash = _mm256_set1_epi8('\\');
+        const __m256i backslash = bytesOf('\\');
         special = _mm256_or_si256(special, _mm256_cmpeq_epi8(low, backslash));
         special = _mm256_or_si256(special, _mm256_cmpeq_epi8(high, backslash));
     }
-    return _mm256_movemask_epi8(special) != 0;
-}
-
-ZELMORA_WIDE inline void widen(__m256i bytes, char16_t* out) {
-    store(out, _mm256_cvtepu8_epi16(_mm256_castsi256_si128(bytes)));
-    store(out + kHalf / 2, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(bytes, 1)));
+    return highBits(special) != 0;
 }
 
 /// Writes the cells of codes that would begin at each of the 32 bytes at `in`, and answers which of
 /// them are codes of one byte.
 template<typename Encoding>
-ZELMORA_WIDE uint64_t findCells(const Octet* in, uint16_t* cells) {
+ZELMORA_WIDE_PART uint64_t findCells(const Octet* in, uint16_t* cells) {
     const __m256i bytes = load(in);
     const __m256i rows = Encoding::rowsOf(bytes);
-    const __m256i singles = _mm256_cmpeq_epi8(rows, _mm256_set1_epi8(Encoding::kSingles));
+    const __m256i singles = _mm256_cmpeq_epi8(rows, bytesOf(Encoding::kSingles));
     const __m256i columns = _mm256_blendv_epi8(load(in + 1), bytes, singles);
-    const __m256i even = _mm256_unpacklo_epi8(columns, rows); // bytes 0 to 7 and 16 to 23
-    const __m256i odd = _mm256_unpackhi_epi8(columns, rows);
-    store(cells, _mm256_permute2x128_si256(even, odd, 0x20));
-    store(cells + kHalf / 2, _mm256_permute2x128_si256(even, odd, 0x31));
-    return static_cast<uint32_t>(_mm256_movemask_epi8(singles));
+    storeJoined(columns, rows, cells);
+    return highBits(singles);
 }
 
 /// Of each run of bytes that can begin a pair, every second one does; the one behind each of those
@@ -88,41 +68,23 @@ uint64_t secondBytes(uint64_t canBegin) {
     return (((canBegin << 1 | kOddPlaces) - canBegin) ^ kOddPlaces) ^ canBegin;
 }
 
-/// The character that begins at the lowest bit of `starts`, which goes out.
-inline int next(const char16_t* table, const uint16_t* cells, uint64_t& starts) {
-    const char16_t unit = table[cells[std::countr_zero(starts)]];
-    starts &= starts - 1;
-    return unit;
-}
-
-/// Writes the next eight characters; answers, in every lane, whether it is none.
-ZELMORA_WIDE inline __m128i lookUpEight(const char16_t* table, const uint16_t* cells,
-                                        uint64_t& starts, char16_t* out) {
-    __m128i units = _mm_cvtsi32_si128(next(table, cells, starts));
-    units = _mm_insert_epi16(units, next(table, cells, starts), 1);
-    units = _mm_insert_epi16(units, next(table, cells, starts), 2);
-    units = _mm_insert_epi16(units, next(table, cells, starts), 3);
-    units = _mm_insert_epi16(units, next(table, cells, starts), 4);
-    units = _mm_insert_epi16(units, next(table, cells, starts), 5);
-    units = _mm_insert_epi16(units, next(table, cells, starts), 6);
-    units = _mm_insert_epi16(units, next(table, cells, starts), 7);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), units);
-    const __m128i group = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
-    return _mm_cmpeq_epi16(group, _mm_set1_epi16(static_cast<short>(kUnassigned)));
-}
-
 /// Writes the next 32 characters; false if one of them is none.
-ZELMORA_WIDE inline bool lookUp(const char16_t* table, const uint16_t* cells, uint64_t& starts,
-                                char16_t* out) {
-    __m128i invalid = _mm_setzero_si128();
-    for (int i = 0; i < kCharacters; i += 8)
-        invalid = _mm_or_si128(invalid, lookUpEight(table, cells, starts, out + i));
-    return _mm_testz_si128(invalid, invalid) != 0;
+ZELMORA_WIDE_PART bool lookUp(const char16_t* table, const uint16_t* cells, uint64_t& starts,
+                              char16_t* out) {
+    __m128i noCharacters = _mm_setzero_si128();
+    for (int i = 0; i < kCharacters; i += 8) {
+        const __m128i units = takeEight([&] { return table[cells[takeLowestBit(starts)]]; });
+        store(out + i, units);
+        const __m128i group = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
+        const __m128i unassigned = _mm_set1_epi16(static_cast<short>(kUnassigned));
+        noCharacters = _mm_or_si128(noCharacters, _mm_cmpeq_epi16(group, unassigned));
+    }
+    return _mm_testz_si128(noCharacters, noCharacters) != 0;
 }
 
 template<typename Encoding>
-ZELMORA_WIDE void decodeWindows(const char16_t* table, bool isASCII, const Octet*& source,
-                                const Octet* stop, char16_t*& target) {
+ZELMORA_WIDE_PART void decodeWindows(const char16_t* table, bool isASCII, const Octet*& source,
+                                     const Octet* stop, char16_t*& target) {
     alignas(kHalf) std::array<uint16_t, kWindow> cells;
     const Octet* in = source;
     char16_t* out = target;

@@ -18,19 +18,31 @@ char16_t characterAt(size_t plane, const Octet* in, const Octet* end) {
     return isPair ? kJISTable.cell(plane, in[0], in[1]) : kUnassigned;
 }
 
+/// Decodes characters of two bytes as long as one follows another.
+void decodePairs(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
+    for (; in < stop; in += 2) {
+        const char16_t character = characterAt(0, in, end);
+        if (character == kUnassigned)
+            return;
+        *out++ = character;
+    }
+}
+
 /// Decodes from `in` to `stop` or past it; false at an invalid code.
 bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
     while (in < stop) {
+        decodePairs(in, stop, end, out);
+        if (in >= stop)
+            break;
         if (*in < 0x80) {
             copyASCIIRun(in, stop, out, IsNotASCII());
             continue;
         }
-        const bool isPlane1 = *in == kSingleShift3;
-        const char16_t character = characterAt(isPlane1 ? 1 : 0, in + (isPlane1 ? 1 : 0), end);
+        const char16_t character = *in == kSingleShift3 ? characterAt(1, in + 1, end) : kUnassigned;
         if (character == kUnassigned)
             return false;
         *out++ = character;
-        in += isPlane1 ? 3 : 2;
+        in += 3;
     }
     return true;
 }

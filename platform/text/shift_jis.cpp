@@ -40,11 +40,26 @@ bool appendSequence(const ShiftJISTable& table, char16_t cell, char16_t*& out) {
     return true;
 }
 
+/// Decodes characters of two bytes as long as one follows another.
+void decodePairs(const ShiftJISTable& table, const Octet*& in, const Octet* stop, const Octet* end,
+                 char16_t*& out) {
+    for (; in < stop && end - in >= 2; in += 2) {
+        const uint8_t row = ShiftJISTable::rowOf(*in);
+        const char16_t cell = table._cells[size_t{row} << 8 | in[1]];
+        if (row == ShiftJISTable::kSingles || isNoCharacter(cell))
+            return;
+        *out++ = cell;
+    }
+}
+
 /// Decodes from `in` to `stop` or past it; false at an invalid code.
 template<Vendor vendor>
 bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
     const ShiftJISTable& table = tableOf<vendor>();
     while (in < stop) {
+        decodePairs(table, in, stop, end, out);
+        if (in >= stop)
+            break;
         if (!IsSpecial<vendor>()(*in)) {
             copyASCIIRun(in, stop, out, IsSpecial<vendor>());
             continue;

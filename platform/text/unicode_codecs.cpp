@@ -3,6 +3,7 @@
 #include "platform/text/ascii_run.h"
 #include "platform/text/block_scan.h"
 #include "platform/text/chunks.h"
+#include "platform/text/wide_kernels.h"
 
 #include <array>
 #include <bit>
@@ -103,9 +104,8 @@ bool isSurrogatePair(char16_t first, char16_t second) {
     return isHighSurrogate(first) && isLowSurrogate(second);
 }
 
-bool decodeUTF8Step(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
-    const Octet* in = source;
-    char16_t* out = target;
+/// Decodes from `in` to `stop` or past it; false where it is not valid.
+bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
     while (in < stop) {
         if (*in < 0x80) {
             copyASCIIRun(in, stop, out, IsNotASCII());
@@ -121,15 +121,25 @@ bool decodeUTF8Step(const Octet*& source, const Octet* stop, const Octet* end, c
         writeUnits(sequence.codePoint, out);
         in += sequence.length;
     }
-    source = in;
-    target = out;
     return true;
 }
 
-bool encodeUTF8Step(const char16_t*& source, const char16_t* stop, const char16_t* end,
-                    Octet*& target) {
-    const char16_t* in = source;
-    Octet* out = target;
+bool decodeUTF8Step(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
+    const Octet* in = source;
+    char16_t* out = target;
+    bool decodes = true;
+    while (decodes && in < stop) {
+        if (usesWideKernels())
+            decodeUTF8Windows(in, stop, out);
+        decodes = decodePlainly(in, endOfPlainPart(in, stop), end, out);
+    }
+    source = in;
+    target = out;
+    return decodes;
+}
+
+/// Encodes from `in` to `stop` or past it; false at a lone surrogate.
+bool encodePlainly(const char16_t*& in, const char16_t* stop, const char16_t* end, Octet*& out) {
     while (in < stop) {
         if (*in < 0x80) {
             copyASCIIRun(in, stop, out, IsNotASCII());
@@ -142,9 +152,22 @@ bool encodeUTF8Step(const char16_t*& source, const char16_t* stop, const char16_
             return false;
         }
     }
+    return true;
+}
+
+bool encodeUTF8Step(const char16_t*& source, const char16_t* stop, const char16_t* end,
+                    Octet*& target) {
+    const char16_t* in = source;
+    Octet* out = target;
+    bool encodes = true;
+    while (encodes && in < stop) {
+        if (usesWideKernels())
+            encodeUTF8Windows(in, stop, out);
+        encodes = encodePlainly(in, endOfPlainPart(in, stop), end, out);
+    }
     source = in;
     target = out;
-    return true;
+    return encodes;
 }
 
 bool isNativeOrder(bool littleEndian) {

@@ -26,12 +26,19 @@ const Unit* endOfPlainPart(const Unit* in, const Unit* stop) {
 
 // Every kernel moves `in` past the whole characters it has taken, never past `stop`, and `out` past
 // what it wrote; it reads nothing at `stop` or after it. REQUIRES: `in` is where a character
-// begins, and `out` has room for whatever the text up to `stop` can become.
+// begins, and `out` has room for whatever the text up to `stop` and kStraddle more can become, all
+// of which may be written to.
 
 /// `cells`: see ShiftJISTable. `isASCII`: whether 5C is the same character in both worlds.
 void decodeShiftJISWindows(const char16_t* cells, bool isASCII, const Octet*& in, const Octet* stop,
                            char16_t*& out);
 
 void decodeEUCJPWindows(const Octet*& in, const Octet* stop, char16_t*& out);
+
+/// Leaves characters of four bytes to the plain loop.
+void decodeUTF8Windows(const Octet*& in, const Octet* stop, char16_t*& out);
+
+/// Leaves surrogates to the plain loop.
+void encodeUTF8Windows(const char16_t*& in, const char16_t* stop, Octet*& out);
 
 } // namespace zelmora::platform

@@ -41,6 +41,11 @@ const Pieces kPieces[] = {
      {u"\u3042", u"\u6F22\u5B57\u3068\u30AB\u30CA\u3002", u"a", u"\r\n", u"\uFF71\uFF9E",
       u"\u2460"},
      {"\x8F\xA2\xAF", "\x8E\xE0", "\x80\x41", "\x80\xA1", "\xA4\x22", "\xA4", "\xFF\xFF"}},
+    {utf8,
+     {u"\u3042", u"\u6F22\u5B57\u3068\u30AB\u30CA\u3002", u"a", u"\r\n",
+      u"\u00E9\u03B1\u07FF\u0800", u"\uD7FF\uE000\uFFFF"},
+     {"\xF0\x9F\x98\x80", "\xC1\xBF", "\xC0\x80", "\xE0\x9F\xBF", "\xED\xA0\x80", "\x80",
+      "\xE3\x81", "\xC2", "\xF8", "\xFF"}},
 };
 
 class WideKernels : public testing::TestWithParam<Pieces> {
@@ -86,6 +91,20 @@ TEST_P(WideKernels, decodeWhatThePlainLoopDecodes) {
         const std::vector<std::byte> exact(bytesOf(bytes).begin(), bytesOf(bytes).end());
         const auto decode = [&] { return decodeText(exact, _encoding); };
         ASSERT_EQ(decode(), plainly(decode)) << testing::PrintToString(bytes);
+    }
+}
+
+TEST_P(WideKernels, encodeWhatThePlainLoopEncodes) {
+    for (int round = 0; round < 20'000; ++round) {
+        std::u16string text = makeText();
+        for (size_t left = _random() % 3; left > 0 && !text.empty(); --left)
+            text[_random() % text.size()] = static_cast<char16_t>(_random());
+        if (round % 16 == 0)
+            text.insert(0, static_cast<size_t>(kChunk - 100) + _random() % 100, u'a');
+        const std::vector<char16_t> exact(text.begin(), text.end());
+        const std::u16string_view view(exact.data(), exact.size());
+        const auto encode = [&] { return encodeText(view, _encoding); };
+        ASSERT_EQ(encode(), plainly(encode)) << testing::PrintToString(text);
     }
 }
 

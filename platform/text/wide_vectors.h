@@ -1,0 +1,74 @@
+// What the kernels share; only for their sources, and only where __x86_64__ is defined.
+#pragma once
+
+#include "platform/text/wide_kernels.h"
+
+#include <bit>
+#include <cstdint>
+#include <immintrin.h>
+
+/// A function with this may use the vectors, and must not be called unless usesWideKernels().
+#define ZELMORA_WIDE __attribute__((target("avx2,bmi,popcnt")))
+/// A part of such a function.
+#define ZELMORA_WIDE_PART __attribute__((always_inline)) ZELMORA_WIDE inline
+
+namespace zelmora::platform {
+
+constexpr int kHalf = 32; ///< bytes in a vector; two of them are a window
+
+ZELMORA_WIDE_PART __m256i load(const void* in) {
+    return _mm256_loadu_si256(static_cast<const __m256i*>(in));
+}
+
+ZELMORA_WIDE_PART void store(void* out, __m256i value) {
+    _mm256_storeu_si256(static_cast<__m256i*>(out), value);
+}
+
+ZELMORA_WIDE_PART void store(void* out, __m128i value) {
+    _mm_storeu_si128(static_cast<__m128i*>(out), value);
+}
+
+ZELMORA_WIDE_PART __m256i bytesOf(int value) {
+    return _mm256_set1_epi8(static_cast<char>(value));
+}
+
+/// One bit for each byte, its highest one.
+ZELMORA_WIDE_PART uint64_t highBits(__m256i bytes) {
+    return static_cast<uint32_t>(_mm256_movemask_epi8(bytes));
+}
+
+/// Writes each byte of ASCII as a unit.
+ZELMORA_WIDE_PART void widen(__m256i bytes, char16_t* out) {
+    store(out, _mm256_cvtepu8_epi16(_mm256_castsi256_si128(bytes)));
+    store(out + kHalf / 2, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(bytes, 1)));
+}
+
+/// Writes 32 units, each out of a byte of `low` and the same byte of `high`.
+ZELMORA_WIDE_PART void storeJoined(__m256i low, __m256i high, uint16_t* out) {
+    const __m256i front = _mm256_unpacklo_epi8(low, high); // bytes 0 to 7 and 16 to 23
+    const __m256i back = _mm256_unpackhi_epi8(low, high);
+    store(out, _mm256_permute2x128_si256(front, back, 0x20));
+    store(out + kHalf / 2, _mm256_permute2x128_si256(front, back, 0x31));
+}
+
+/// The number of the lowest bit, which is then cleared; 64 when there is none.
+inline int takeLowestBit(uint64_t& bits) {
+    const int lowest = std::countr_zero(bits);
+    bits &= bits - 1;
+    return lowest;
+}
+
+/// The next eight units that `next()` answers.
+template<typename Next>
+ZELMORA_WIDE_PART __m128i takeEight(Next next) {
+    __m128i units = _mm_cvtsi32_si128(next());
+    units = _mm_insert_epi16(units, next(), 1);
+    units = _mm_insert_epi16(units, next(), 2);
+    units = _mm_insert_epi16(units, next(), 3);
+    units = _mm_insert_epi16(units, next(), 4);
+    units = _mm_insert_epi16(units, next(), 5);
+    units = _mm_insert_epi16(units, next(), 6);
+    return _mm_insert_epi16(units, next(), 7);
+}
+
+} // namespace zelmora::platform
