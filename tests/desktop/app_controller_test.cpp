@@ -4,6 +4,9 @@
 #include "engine/settings.h"
 #include "platform/events/notification_center.h"
 
+#include <QDialogButtonBox>
+#include <QListWidget>
+#include <QPushButton>
 #include <QTimer>
 
 namespace zelmora::test {
@@ -68,6 +71,28 @@ TEST_F(DesktopTest, WhatComesBeforeItHasEndedByItselfIsConverted) {
     EXPECT_EQ(application.run({first}), 0);
     for (const auto& path : late)
         EXPECT_EQ(readFile(path), "い\n") << path;
+}
+
+TEST_F(DesktopTest, ConvertsWhatIsChosenInThePanel) {
+    folder.writeFile("a.txt", "\x82\xa0\n");
+    folder.writeFile("sub/\x82\xa0.txt", "\x82\xa2\n");
+    setenv("HOME", folder.path().c_str(), 1); // where the panel begins
+    ZelAppController controller(services());
+    controller.applicationWillFinishLaunching();
+    for (const auto button : {QDialogButtonBox::Cancel, QDialogButtonBox::Open}) {
+        QTimer::singleShot(0, [&] {
+            auto* panel = QApplication::activeModalWidget();
+            panel->findChild<QListWidget*>()->selectAll();
+            panel->findChild<QDialogButtonBox*>()->button(button)->click();
+        });
+        controller.doConvert();
+        const bool isCancelled = button == QDialogButtonBox::Cancel;
+        // Folders stand first in the panel, so the file is the last.
+        const auto isDone = [&] { return readFile(folder / "a.txt") == "あ\n"; };
+        EXPECT_EQ(!isCancelled && runUntil(isDone), !isCancelled);
+        EXPECT_EQ(readFile(folder / "sub/\x82\xa0.txt"), isCancelled ? "\x82\xa2\n" : "い\n");
+    }
+    EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
 }
 
 TEST_F(DesktopTest, QuittingIdleEndsAtOnce) {

@@ -52,8 +52,9 @@ TEST_F(DesktopTest, CancelClosesUnlessTheDelegateSaysNo) {
 TEST_F(DesktopTest, DropsOfLocalItemsArriveByteForByte) {
     using Paths = std::vector<std::string>;
     const struct {
-        const char* uris;
+        const char* dragged;
         Paths paths; ///< empty: refused
+        const char* format = "text/uri-list";
     } cases[] = {
         {"file:///tmp/a.txt\r\n", {"/tmp/a.txt"}},
         {"file:///b/\r\nfile:///tmp/a%20b%23.txt\r\n", {"/b/", "/tmp/a b#.txt"}},
@@ -63,17 +64,18 @@ TEST_F(DesktopTest, DropsOfLocalItemsArriveByteForByte) {
         {"file:///tmp/a.txt\r\nhttps://zelmora.example/a.txt\r\n", {}},
         {"file://elsewhere/tmp/a.txt\r\n", {}},
         {"", {}},
+        {"file:///tmp/a.txt\r\n", {}, "text/plain"},
     };
     Paths opened;
     platform::MainWindowActions actions;
     actions.openFiles = [&](const Paths& paths) { opened = paths; };
     actions.quit = [] {};
     platform::MainWindow window(strings, actions);
-    for (const auto& [uris, paths] : cases) {
-        SCOPED_TRACE(uris);
+    for (const auto& [dragged, paths, format] : cases) {
+        SCOPED_TRACE(dragged);
         opened.clear();
         QMimeData data;
-        data.setData("text/uri-list", uris);
+        data.setData(format, dragged);
         QDragEnterEvent enter({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
         enter.ignore();
         QApplication::sendEvent(&window, &enter);
