@@ -6,6 +6,8 @@
 #include "platform/text/path_string.h"
 #include "platform/text/utf8.h"
 
+#include <cerrno>
+
 namespace zelmora {
 
 namespace {
@@ -69,10 +71,12 @@ ZelDocumentController::doConvertProcessPostDstPath(const std::string& dstPath,
     // The converted bytes are on disk by now, so the source may go.
     if (auto removed = files.removeFileAtPath(srcPath); !removed.ok())
         return removed;
-    auto finalPath = finalPathForSrcPath(srcPath);
-    if (files.fileExistsAtPath(finalPath))
-        finalPath = dstPathForSrcPath(finalPath);
-    return files.moveItemAtPath(dstPath, finalPath);
+    const auto finalPath = finalPathForSrcPath(srcPath);
+    auto moved = files.moveItemAtPath(dstPath, finalPath);
+    // Asking beforehand whether the name is taken would cost each file a call.
+    if (!moved.ok() && moved.error().code == EEXIST)
+        moved = files.moveItemAtPath(dstPath, dstPathForSrcPath(finalPath));
+    return moved;
 }
 
 uint32_t ZelDocumentController::hfsCode(std::string_view actionKey, std::string_view codeKey,

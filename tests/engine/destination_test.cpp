@@ -81,6 +81,18 @@ TEST_F(DestinationTest, FinalNameFollowsTheExtensionSettings) {
     }
 }
 
+TEST_F(DestinationTest, NameTakenAtTheLastMomentIsLeftAlone) {
+    const auto source = folder.writeFile("a.txt", "old");
+    const auto converted = folder.writeFile("a#0.txt", "new");
+    files.setHook([&](const FaultyFileManager::Operation& each) {
+        if (each.name == "moveItemAtPath")
+            folder.writeFile("a.txt", "another's");
+    });
+    EXPECT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
+    EXPECT_EQ(folder.items(), (Items{"a#1.txt", "a.txt"}));
+    EXPECT_EQ(readFile(source), "another's");
+}
+
 TEST_F(DestinationTest, HFSCodesFollowTheSettings) {
     auto& disk = platform::FileManager::defaultManager();
     const platform::HFSCodes sourceCodes{.type = 0x54455854, .creator = 0x74747874};
