@@ -27,17 +27,8 @@ def array(kind, name, values):
 
 
 def encode_table(name, cells):
-    """cells: unit -> code. Prints the two levels; answers the initializer."""
-    offsets, values, known = [], [], {}
-    for first in range(0, 0x10000, 64):
-        block = tuple(cells.get(unit, 0) for unit in range(first, first + 64))
-        if block not in known:
-            known[block] = len(values)
-            values.extend(block)
-        offsets.append(known[block])
-    assert len(values) <= 0x10000, f"{name}: offsets no longer fit 16 bits"
-    text = array("uint16_t", f"{name}Blocks", offsets) + array("uint16_t", f"{name}Cells", values)
-    return text, f"{{{name}Blocks, {name}Cells}}"
+    """cells: unit -> code. Prints the array; answers its name."""
+    return array("uint16_t", f"{name}Encoded", [cells.get(unit, 0) for unit in range(0x10000)]), f"{name}Encoded"
 
 
 def shift_jis(name, table, entries):

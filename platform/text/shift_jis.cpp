@@ -113,7 +113,7 @@ const Sequence* findSequence(const ShiftJISTable& table, const char16_t* in, con
 
 /// Encodes characters of two bytes as long as one follows another.
 template<Vendor vendor>
-void encodePairs(const EncodeTable& table, const char16_t*& in, const char16_t* stop, Octet*& out) {
+void encodePairs(EncodeTable table, const char16_t*& in, const char16_t* stop, Octet*& out) {
     for (; in < stop; ++in) {
         const uint16_t code = table[*in];
         if (code <= 0xFF)
@@ -125,13 +125,10 @@ void encodePairs(const EncodeTable& table, const char16_t*& in, const char16_t* 
     }
 }
 
+/// Encodes from `in` to `stop` or past it; false at the first unit that has no code.
 template<Vendor vendor>
-bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t* end,
-                Octet*& target) {
+bool encodePlainly(const char16_t*& in, const char16_t* stop, const char16_t* end, Octet*& out) {
     const ShiftJISTable& table = tableOf<vendor>();
-    const char16_t* in = source;
-    Octet* out = target;
-    bool encodes = true;
     while (in < stop) {
         encodePairs<vendor>(table._encode, in, stop, out);
         if (in == stop)
@@ -142,13 +139,27 @@ bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t* e
         }
         const Sequence* const sequence = findSequence(table, in, end);
         const uint16_t code = sequence != nullptr ? sequence->_code : table._encode[*in];
-        encodes = code != 0;
-        if (!encodes)
-            break;
+        if (code == 0)
+            return false;
         if (code > 0xFF)
             *out++ = static_cast<Octet>(code >> 8);
         *out++ = static_cast<Octet>(code);
         in += sequence != nullptr ? sequence->_length : 1;
+    }
+    return true;
+}
+
+template<Vendor vendor>
+bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t* end,
+                Octet*& target) {
+    const char16_t* in = source;
+    Octet* out = target;
+    bool encodes = true;
+    while (encodes && in < stop) {
+        if (usesWideKernels())
+            encodeShiftJISWindows(tableOf<vendor>()._encode, vendor == Vendor::macintosh, in, stop,
+                                  out);
+        encodes = encodePlainly<vendor>(in, endOfPlainPart(in, stop), end, out);
     }
     source = in;
     target = out;

@@ -10,16 +10,9 @@
 
 namespace zelmora::platform {
 
-/// What each UTF-16 unit is written as, in two levels: 64 neighbouring units make a block, and
-/// blocks that hold nothing are one and the same. 0 means that the unit has no code of its own;
-/// U+0000 has none here.
-struct EncodeTable {
-    std::span<const uint16_t, 1024>
-        _blocks; ///< by the unit's upper ten bits: where its cells start
-    const uint16_t* _cells;
-
-    uint16_t operator[](char16_t unit) const { return _cells[_blocks[unit >> 6] + (unit & 63)]; }
-};
+/// What each UTF-16 unit is written as, by the unit. 0 means that it has no code of its own; U+0000
+/// has none here.
+using EncodeTable = const uint16_t*;
 
 /// A code that stands for several units; `_units` is filled up with U+0000.
 struct Sequence {

@@ -7,6 +7,7 @@
 #include "platform/text/chunks.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace zelmora::platform {
 
@@ -32,6 +33,10 @@ const Unit* endOfPlainPart(const Unit* in, const Unit* stop) {
 /// `cells`: see ShiftJISTable. `isASCII`: whether 5C is the same character in both worlds.
 void decodeShiftJISWindows(const char16_t* cells, bool isASCII, const Octet*& in, const Octet* stop,
                            char16_t*& out);
+
+/// `codes`: see EncodeTable. `hasSequences`: leaves whatever may be part of one to the plain loop.
+void encodeShiftJISWindows(const uint16_t* codes, bool hasSequences, const char16_t*& in,
+                           const char16_t* stop, Octet*& out);
 
 void decodeEUCJPWindows(const Octet*& in, const Octet* stop, char16_t*& out);
 

@@ -1,0 +1,95 @@
+// UTF-16 to the encodings of the Shift_JIS family, 16 units at a time: the units' codes are looked
+// up into a vector, and a shuffle drops the upper byte of those that are one byte.
+#include "platform/text/wide_kernels.h"
+
+#if defined(__x86_64__)
+#include "platform/text/wide_vectors.h"
+
+#include <array>
+
+namespace zelmora::platform {
+namespace {
+
+constexpr int kUnits = 16;
+
+/// The bytes of eight codes in the order in which they are written. Bit i of the index: code i is
+/// one byte.
+using Shuffle = std::array<uint8_t, 16>;
+
+constexpr std::array<Shuffle, 256> kWrittenBytes = [] {
+    std::array<Shuffle, 256> shuffles{};
+    for (unsigned singles = 0; singles < shuffles.size(); ++singles) {
+        size_t written = 0;
+        for (unsigned i = 0; i < 8; ++i) {
+            if ((singles >> i & 1) == 0)
+                shuffles[singles][written++] = static_cast<uint8_t>(2 * i + 1);
+            shuffles[singles][written++] = static_cast<uint8_t>(2 * i);
+        }
+    }
+    return shuffles;
+}();
+
+ZELMORA_WIDE_PART __m256i unitsOf(int value) {
+    return _mm256_set1_epi16(static_cast<short>(value));
+}
+
+/// Whether one of the units may change the meaning of the one before it: U+F878 to U+F87F, 20DD.
+ZELMORA_WIDE_PART bool hasSequenceMark(__m256i units) {
+    const __m256i variants =
+        _mm256_cmpeq_epi16(_mm256_and_si256(units, unitsOf(0xFFF8)), unitsOf(0xF878));
+    const __m256i circles = _mm256_cmpeq_epi16(units, unitsOf(0x20DD));
+    return highBits(_mm256_or_si256(variants, circles)) != 0;
+}
+
+/// Writes the codes of eight units; false if one of them has none.
+ZELMORA_WIDE_PART bool encodeEight(const uint16_t* table, const char16_t* in, Octet*& out) {
+    const __m128i codes = takeEight([&] { return table[*in++]; });
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i none = _mm_cmpeq_epi16(codes, zero);
+    const __m128i isSingle = _mm_cmpeq_epi16(_mm_srli_epi16(codes, 8), zero);
+    const auto kinds = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isSingle, none)));
+    if (kinds > 0xFF)
+        return false;
+    const void* const shuffle = kWrittenBytes[kinds].data();
+    store(out, _mm_shuffle_epi8(codes, _mm_loadu_si128(static_cast<const __m128i*>(shuffle))));
+    out += 16 - std::popcount(kinds);
+    return true;
+}
+
+} // namespace
+
+ZELMORA_WIDE void encodeShiftJISWindows(const uint16_t* codes, bool hasSequences,
+                                        const char16_t*& source, const char16_t* stop,
+                                        Octet*& target) {
+    const char16_t* in = source;
+    Octet* out = target;
+    for (; stop - in > kUnits; in += kUnits) {
+        const __m256i units = load(in);
+        const bool isASCII = _mm256_testz_si256(units, unitsOf(0xFF80)) != 0;
+        if (isASCII && !hasSequences) {
+            store(out, _mm_packus_epi16(_mm256_castsi256_si128(units),
+                                        _mm256_extracti128_si256(units, 1)));
+            out += kUnits;
+            continue;
+        }
+        if (hasSequences && hasSequenceMark(load(in + 1)))
+            break;
+        Octet* next = out;
+        if (!encodeEight(codes, in, next) || !encodeEight(codes, in + kUnits / 2, next))
+            break;
+        out = next;
+    }
+    source = in;
+    target = out;
+}
+
+} // namespace zelmora::platform
+
+#else
+
+namespace zelmora::platform {
+
+void encodeShiftJISWindows(const uint16_t*, bool, const char16_t*&, const char16_t*, Octet*&) {}
+
+} // namespace zelmora::platform
+#endif
