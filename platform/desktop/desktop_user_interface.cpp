@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -67,10 +68,15 @@ class DesktopUserInterface::Session final : public ModalSession {
 
     void run(const std::function<void()>& work) override {
         QEventLoop loop;
-        std::thread worker([&] {
-            work();
-            QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
-        });
+        std::thread worker;
+        try {
+            worker = std::thread([&] {
+                work();
+                QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+            });
+        } catch (const std::system_error&) {
+            return work(); // no thread to be had: a window that stands still is the lesser evil
+        }
         loop.exec();
         worker.join(); // the loop may also have been ended by someone else
     }

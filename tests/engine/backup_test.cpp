@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <gmock/gmock.h>
+#include <new>
 #include <sys/stat.h>
 
 namespace zelmora::test {
@@ -130,6 +131,12 @@ TEST_F(BackupTest, ImpossibleBackupIsRefusedWithAnAlert) {
         EXPECT_EQ(logText() != logBefore, each.isLogged) << each.what;
         EXPECT_EQ(userInterface.openModalSessions, 0) << each.what;
     }
+    files.setHook([](const FaultyFileManager::Operation& operation) {
+        if (operation.name == "copyItemAtPath")
+            throw std::bad_alloc();
+    });
+    EXPECT_FALSE(manager.backupPath(folder / "in")) << "memory runs out";
+    EXPECT_EQ(userInterface.alerts.size(), 2U) << "memory runs out";
     EXPECT_THAT(logText(), ::testing::Not(HasSubstr("Success")));
     EXPECT_EQ(readFile(folder / "in/a.txt"), "a");
 }
