@@ -88,7 +88,8 @@ AppServices DesktopProgram::services() {
 
 int DesktopProgram::run(const std::vector<std::string>& paths) {
     _window.show();
-    _application.runLoop().mainQueue().async([this] { askAboutManual(); });
+    if (paths.empty()) // who comes with files wants them converted
+        _application.runLoop().mainQueue().async([this] { askAboutManual(); });
     const int status = _application.run(paths);
     saveSettings();
     if (_controller.hasAbandonedWorker()) {
