@@ -72,7 +72,8 @@ void ZelAppController::doConvert() {
 }
 
 void ZelAppController::openManual() {
-    const auto path = _services.bundle.pathForResource("Manual", "pdf");
+    const auto path =
+        _services.bundle.pathForResource("Manual", "pdf", platform::preferredLanguage());
     if (!_services.engine.files.fileExistsAtPath(path) || !_services.workspace.openFile(path))
         alert("InvalidPackage");
 }

@@ -119,7 +119,8 @@ void DesktopProgram::showSummary() {
 
 /// Asks once, and only when there is a manual to open.
 void DesktopProgram::askAboutManual() {
-    if (_files.fileExistsAtPath(_bundle.pathForResource("Manual", "pdf")))
+    const auto manual = _bundle.pathForResource("Manual", "pdf", platform::preferredLanguage());
+    if (_files.fileExistsAtPath(manual))
         _controller.showManualAlert();
 }
 

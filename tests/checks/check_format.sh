@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$1"
 
-find app engine textutil markup foundation platform tests bench fuzz \
+find app docs engine textutil markup foundation platform tests bench fuzz \
     \( -name '*.cpp' -o -name '*.h' \) -print0 |
     xargs -0 clang-format --dry-run -Werror
 

@@ -102,9 +102,14 @@ TEST_F(DesktopTest, QuittingIdleEndsAtOnce) {
     EXPECT_EQ(application.run({}), 0);
 }
 
+/// The name of the manual's resource in the language of this run.
+std::string manualName() {
+    return platform::preferredLanguage() + ".lproj/Manual.pdf";
+}
+
 TEST_F(DesktopTest, AsksAboutTheManualOnce) {
     TemporaryDirectory resources;
-    const auto manual = resources.writeFile("Manual.pdf", "%PDF");
+    const auto manual = resources.writeFile(manualName(), "%PDF");
     const platform::Bundle withManual(resources.path());
     const AppServices all{services().engine, userInterface, workspace, withManual, {}, nullptr};
     ZelAppController controller(all);
@@ -130,7 +135,7 @@ TEST_F(DesktopTest, SaysWhenTheManualCannotBeOpened) {
     for (const bool hasManual : {false, true}) {
         TemporaryDirectory resources;
         if (hasManual)
-            resources.writeFile("Manual.pdf", "%PDF");
+            resources.writeFile(manualName(), "%PDF");
         const platform::Bundle withManual(resources.path());
         workspace.answer = false;
         const AppServices all{services().engine, userInterface, workspace, withManual, {}, nullptr};

@@ -26,8 +26,8 @@ share/man/ja/man1/zelmora.1 share/man/ja/man1/zelmora-convert.1
 share/man/man1/zelmora.1 share/man/man1/zelmora-convert.1
 share/metainfo/{ID}.metainfo.xml
 share/zelmora/Preferences.ui share/zelmora/Progress.ui share/zelmora/UserDefaults.plist
-share/zelmora/en.lproj/Localizable.strings
-share/zelmora/ja.lproj/Localizable.strings
+share/zelmora/en.lproj/Localizable.strings share/zelmora/en.lproj/Manual.pdf
+share/zelmora/ja.lproj/Localizable.strings share/zelmora/ja.lproj/Manual.pdf
 share/zsh/site-functions/_zelmora share/zsh/site-functions/_zelmora-convert
 """
 
