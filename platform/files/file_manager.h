@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace zelmora::platform {
@@ -29,6 +30,21 @@ struct HFSCodes {
     uint32_t type = 0;
     uint32_t creator = 0;
     bool operator==(const HFSCodes&) const = default;
+};
+
+/// A new file on its way to its name. It is dropped, and nothing remains of it, unless finish()
+/// succeeds. Used by one thread at a time.
+class NewFile {
+  public:
+    virtual ~NewFile() = default;
+
+    /// Adds `bytes` at the end and takes them: what comes back is empty, with room that the next
+    /// ones may use. The first failure is kept for finish(); nothing is written after it.
+    virtual void write(Bytes& bytes) = 0;
+
+    /// Waits until the bytes are on disk (fdatasync) and gives the file its name; EEXIST when it is
+    /// taken. Answers also what failed before. Called once, at the end.
+    virtual Status finish() = 0;
 };
 
 class FileManager {
@@ -85,6 +101,10 @@ class FileManager {
     /// same folder, ".zlm" and digits.) A name that is taken, by a dangling link too, is an error
     /// (EEXIST) and stays as it was. On failure no scratch file remains.
     virtual Status createFileAtPath(const std::string& path, ByteView contents) = 0;
+
+    /// The same for contents that are made piece by piece. Never null: a failure is the new file's,
+    /// told when it is finished.
+    [[nodiscard]] virtual std::unique_ptr<NewFile> newFileAtPath(const std::string& path) = 0;
 
     /// The same, but replaces what regular file has the name (EISDIR or EINVAL when it is none).
     /// Links are followed and stay: the file they lead to is replaced. For files of the program's

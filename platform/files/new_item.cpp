@@ -1,7 +1,9 @@
 #include "platform/files/new_item.h"
 
 #include "platform/files/tree_walk.h"
+#include "platform/text/bytes.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 
@@ -44,19 +46,32 @@ int renameOntoPlaceholder(int fromFolder, const char* from, int toFolder, const 
     return code;
 }
 
-/// A file that has no name while it is written leaves nothing behind when the process is killed.
 int createUnnamedFile(const Location& target, mode_t mode, const FileFiller& fill) {
-    const FileDescriptor file =
-        openAt(target.folder(), target.parent().c_str(), O_TMPFILE | O_WRONLY, mode);
+    const FileDescriptor file = openUnnamedFile(target, mode);
     if (!file.isOpen()) {
         return errno;
     }
-    if (const int code = fill(file.get())) {
-        return code;
+    const int code = fill(file.get());
+    return code != 0 ? code : nameUnnamedFile(file.get(), target);
+}
+
+/// Copies the next `count` bytes through memory. EAGAIN when the source has fewer.
+int copyThroughMemory(int source, int copy, size_t count) {
+    constexpr size_t kBufferSize = 256 * 1024;
+    Bytes buffer(std::min(count, kBufferSize));
+    while (count > 0) {
+        const auto got =
+            resumed([&] { return ::read(source, buffer.data(), std::min(count, buffer.size())); });
+        if (got <= 0) {
+            return got == 0 ? EAGAIN : errno;
+        }
+        const auto size = static_cast<size_t>(got);
+        if (const int code = writeAll(copy, buffer.data(), size)) {
+            return code;
+        }
+        count -= size;
     }
-    const std::string itself = "/proc/self/fd/" + std::to_string(file.get());
-    return errnoUnless(
-        ::linkat(AT_FDCWD, itself.c_str(), target.folder(), target.name(), AT_SYMLINK_FOLLOW));
+    return 0;
 }
 
 } // namespace
@@ -116,6 +131,16 @@ int ScratchItem::replaceTarget() {
     return done(errnoUnless(::renameat(folder(), name(), folder(), _target.name())));
 }
 
+FileDescriptor openUnnamedFile(const Location& target, mode_t mode) {
+    return openAt(target.folder(), target.parent().c_str(), O_TMPFILE | O_RDWR, mode);
+}
+
+int nameUnnamedFile(int file, const Location& target) {
+    const std::string itself = "/proc/self/fd/" + std::to_string(file);
+    return errnoUnless(
+        ::linkat(AT_FDCWD, itself.c_str(), target.folder(), target.name(), AT_SYMLINK_FOLLOW));
+}
+
 int createFile(const Location& target, mode_t mode, const FileFiller& fill) {
     const int code = createUnnamedFile(target, mode, fill);
     if (code == 0 || code == EEXIST) {
@@ -150,6 +175,19 @@ int writeAll(int file, const std::byte* bytes, size_t count) {
         }
         bytes += written;
         count -= static_cast<size_t>(written);
+    }
+    return 0;
+}
+
+int copyBytes(int source, int copy, size_t count) {
+    while (count > 0) {
+        const auto copied =
+            resumed([&] { return ::copy_file_range(source, nullptr, copy, nullptr, count, 0); });
+        if (copied <= 0) {
+            // Whatever the reason, the plain way finds the same one or does not have it.
+            return copyThroughMemory(source, copy, count);
+        }
+        count -= static_cast<size_t>(copied);
     }
     return 0;
 }

@@ -46,6 +46,13 @@ class ScratchItem {
 /// Writes a new file's bytes and attributes to the descriptor; answers 0 or an errno.
 using FileFiller = std::function<int(int file)>;
 
+/// Opens a new file in `target`'s folder that has no name yet, so that a killed process leaves
+/// nothing behind. Not open where the file system has no such files, or for another reason (errno).
+FileDescriptor openUnnamedFile(const Location& target, mode_t mode);
+
+/// Gives the unnamed file its target's name. Answers 0 or an errno: EEXIST when it is taken.
+int nameUnnamedFile(int file, const Location& target);
+
 /// Makes the file `target` with the contents that `fill` writes and the permissions `mode`, less
 /// those that the process withholds. EEXIST when the name is taken. `fill` may be called twice,
 /// with an empty file each time.
@@ -56,5 +63,9 @@ int makeScratchFile(ScratchItem& scratch, mode_t mode, const FileFiller& fill);
 
 /// Writes all of `bytes`. Answers 0 or an errno.
 int writeAll(int file, const std::byte* bytes, size_t count);
+
+/// Copies the next `count` bytes of one file to another, within the file system where it can do
+/// that. Answers 0 or an errno: EAGAIN when the source has fewer.
+int copyBytes(int source, int copy, size_t count);
 
 } // namespace zelmora::platform

@@ -24,39 +24,6 @@ bool isSameItem(const struct stat& left, const struct stat& right) {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
-/// Copies the next `count` bytes through memory. EAGAIN when the source has fewer.
-int copyThroughMemory(int source, int copy, size_t count) {
-    constexpr size_t kBufferSize = 256 * 1024;
-    Bytes buffer(std::min(count, kBufferSize));
-    while (count > 0) {
-        const auto got =
-            resumed([&] { return ::read(source, buffer.data(), std::min(count, buffer.size())); });
-        if (got <= 0) {
-            return got == 0 ? EAGAIN : errno;
-        }
-        const auto size = static_cast<size_t>(got);
-        if (const int code = writeAll(copy, buffer.data(), size)) {
-            return code;
-        }
-        count -= size;
-    }
-    return 0;
-}
-
-/// Copies the first `count` bytes, within the file system where it can do that.
-int copyBytes(int source, int copy, size_t count) {
-    while (count > 0) {
-        const auto copied =
-            resumed([&] { return ::copy_file_range(source, nullptr, copy, nullptr, count, 0); });
-        if (copied <= 0) {
-            // Whatever the reason, the plain way finds the same one or does not have it.
-            return copyThroughMemory(source, copy, count);
-        }
-        count -= static_cast<size_t>(copied);
-    }
-    return 0;
-}
-
 /// Copies the regular file `name` into the open file `copy`. A file that grows meanwhile is copied
 /// up to the length it had at first, which is what it held then (it may be our own log).
 int copyRegularFile(int folder, const char* name, int copy) {

@@ -1,5 +1,6 @@
 #include "platform/files/new_item.h"
 #include "platform/files/posix_file_manager.h"
+#include "platform/files/posix_new_file.h"
 #include "platform/text/path_string.h"
 
 #include <array>
@@ -103,6 +104,10 @@ Status PosixFileManager::createFileAtPath(const std::string& path, ByteView cont
     return performAt(path, "create", [&](const Location& at) {
         return createFile(at, kNewFileMode, writer(contents));
     });
+}
+
+std::unique_ptr<NewFile> PosixFileManager::newFileAtPath(const std::string& path) {
+    return std::make_unique<PosixNewFile>(path, kNewFileMode);
 }
 
 Status PosixFileManager::replaceFileAtPath(const std::string& path, ByteView contents) {

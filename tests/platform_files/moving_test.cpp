@@ -116,6 +116,14 @@ TEST_F(Moving, FileSystemsThatKnowLessGetTheSameInMoreSteps) {
             const std::string big(700000, 'x');
             EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf(big))), 0);
             EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf("2"))), EEXIST);
+            const auto pieces = _files.newFileAtPath(folder / "pieces");
+            for (int i = 0; i < 3; ++i) {
+                Bytes piece(700000, std::byte{'x'});
+                pieces->write(piece);
+            }
+            EXPECT_EQ(codeOf(pieces->finish()), 0);
+            EXPECT_TRUE(readFile(folder / "pieces") == big + big + big);
+            EXPECT_EQ(codeOf(_files.removeFileAtPath(folder / "pieces")), 0);
             EXPECT_EQ(codeOf(_files.copyItemAtPath(folder / "new", folder / "new copy")), 0);
             EXPECT_TRUE(readFile(folder / "new copy") == big);
             EXPECT_EQ(codeOf(_files.copyItemAtPath(folder / "folder", folder / "folder copy")), 0);

@@ -42,6 +42,47 @@ TEST_F(ReadingWriting, CreatedContentsComeBackExactly) {
     EXPECT_EQ(_folder.items().size(), 6U);
 }
 
+/// Makes a file out of pieces of this size; answers what finishing it does.
+int createInPieces(FileManager& files, const std::string& path, std::string_view text,
+                   size_t pieceSize) {
+    const auto file = files.newFileAtPath(path);
+    for (; !text.empty(); text.remove_prefix(std::min(pieceSize, text.size()))) {
+        const ByteView piece = bytesOf(text.substr(0, pieceSize));
+        Bytes bytes(piece.begin(), piece.end());
+        file->write(bytes);
+        EXPECT_TRUE(bytes.empty());
+    }
+    return codeOf(file->finish());
+}
+
+TEST_F(ReadingWriting, PiecesMakeUpTheFile) {
+    const struct {
+        size_t size;
+        size_t pieceSize;
+    } cases[] = {{0, 1},          {1, 1},           {5000, 700},
+                 {1 << 20, 4096}, {3000000, 99999}, {3000000, 5000000}};
+    for (const auto& [size, pieceSize] : cases) {
+        const std::string path = _folder / std::to_string(pieceSize);
+        const std::string text = sample(size);
+        EXPECT_EQ(createInPieces(_files, path, text, pieceSize), 0) << size;
+        EXPECT_TRUE(readFile(path) == text) << size << " in pieces of " << pieceSize;
+        EXPECT_EQ(createInPieces(_files, path, "other", 2), EEXIST) << size;
+        EXPECT_TRUE(readFile(path) == text) << size;
+        EXPECT_EQ(codeOf(_files.removeFileAtPath(path)), 0);
+    }
+}
+
+TEST_F(ReadingWriting, ANewFileThatIsNotFinishedIsNothing) {
+    for (const size_t count : {0UL, 1UL, 300UL}) {
+        const auto file = _files.newFileAtPath(_folder / "file");
+        for (size_t i = 0; i < count; ++i) {
+            Bytes bytes(10000, std::byte{'x'});
+            file->write(bytes);
+        }
+    }
+    EXPECT_EQ(_folder.items(), Items());
+}
+
 TEST_F(ReadingWriting, CreatingNeverReplacesAnything) {
     const std::string file = _folder.writeFile("file", "old");
     _folder.writeFile("folder/inner", "old");
@@ -62,6 +103,7 @@ TEST_F(ReadingWriting, CreatingNeverReplacesAnything) {
     for (const auto& c : cases) {
         EXPECT_EQ(codeOf(_files.createFileAtPath(_folder / c.name, bytesOf("new"))), c.code)
             << c.name;
+        EXPECT_EQ(createInPieces(_files, _folder / c.name, "new", 2), c.code) << c.name;
         EXPECT_EQ(_folder.items(), before) << c.name;
     }
     EXPECT_EQ(readFile(file), "old");
@@ -198,6 +240,7 @@ TEST_F(ReadingWriting, FoldersAreMadeWithTheOnesAboveThem) {
 TEST_F(ReadingWriting, AFullDiskLeavesEverythingAsItWas) {
     // A limit on the size of files stands in for the full disk: the first bytes fit, the rest do
     // not.
+    const std::string large = sample(4000000);
     const std::string source = _folder.writeFile("source", sample(5000));
     const std::string old = _folder.writeFile("old", "old");
     const std::string log = _folder.writeFile("log", "line\n");
@@ -207,6 +250,10 @@ TEST_F(ReadingWriting, AFullDiskLeavesEverythingAsItWas) {
         ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
         const std::string text = sample(5000);
         EXPECT_EQ(codeOf(_files.createFileAtPath(_folder / "new", bytesOf(text))), EFBIG);
+        for (const size_t pieceSize : {600UL, 1000UL, 100000UL, 2000000UL}) {
+            EXPECT_EQ(createInPieces(_files, _folder / "new", large, pieceSize), EFBIG)
+                << pieceSize;
+        }
         EXPECT_EQ(codeOf(_files.replaceFileAtPath(old, bytesOf(text))), EFBIG);
         EXPECT_EQ(codeOf(_files.copyItemAtPath(source, _folder / "copy")), EFBIG);
         EXPECT_EQ(codeOf(_files.appendToFileAtPath(log, bytesOf(text))), ENOSPC);

@@ -4,6 +4,38 @@ namespace zelmora::test {
 
 using namespace platform;
 
+class FaultyFileManager::FaultyNewFile final : public NewFile {
+  public:
+    FaultyNewFile(FaultyFileManager& files, const std::string& path)
+        : _files(files), _path(path), _code(files.begin("newFileAtPath", path)) {
+        if (_code == 0)
+            _target = files._target.newFileAtPath(path);
+    }
+
+    void write(Bytes& bytes) override {
+        if (passes("write"))
+            _target->write(bytes);
+        bytes.clear();
+    }
+
+    Status finish() override {
+        return passes("finish") ? _target->finish() : Error::fromErrno(_code, _path, "finish");
+    }
+
+  private:
+    /// Whether `operation` is to reach the target.
+    bool passes(const char* operation) {
+        if (_code == 0)
+            _code = _files.begin(operation, _path);
+        return _code == 0;
+    }
+
+    FaultyFileManager& _files;
+    const std::string _path;
+    int _code;
+    std::unique_ptr<NewFile> _target;
+};
+
 void FaultyFileManager::failOperation(size_t ordinal, int code) {
     const std::scoped_lock lock(_mutex);
     _codeOfOrdinal[ordinal] = code;
@@ -66,6 +98,10 @@ Result<Bytes> FaultyFileManager::contentsAtPath(const std::string& path) {
 Status FaultyFileManager::createFileAtPath(const std::string& path, ByteView contents) {
     return perform("createFileAtPath", path,
                    [&] { return _target.createFileAtPath(path, contents); });
+}
+
+std::unique_ptr<NewFile> FaultyFileManager::newFileAtPath(const std::string& path) {
+    return std::make_unique<FaultyNewFile>(*this, path);
 }
 
 Status FaultyFileManager::replaceFileAtPath(const std::string& path, ByteView contents) {

@@ -50,6 +50,10 @@ class FaultyFileManager final : public platform::FileManager {
     platform::Result<platform::Bytes> contentsAtPath(const std::string& path) override;
     platform::Status createFileAtPath(const std::string& path,
                                       platform::ByteView contents) override;
+    /// What is done with the new file are operations too, "write" and "finish". When one fails, the
+    /// file behind it is dropped.
+    [[nodiscard]] std::unique_ptr<platform::NewFile>
+    newFileAtPath(const std::string& path) override;
     platform::Status replaceFileAtPath(const std::string& path,
                                        platform::ByteView contents) override;
     platform::Status appendToFileAtPath(const std::string& path,
@@ -62,6 +66,8 @@ class FaultyFileManager final : public platform::FileManager {
     platform::Status copyItemAtPath(const std::string& path, const std::string& toPath) override;
 
   private:
+    class FaultyNewFile;
+
     /// Notes the operation; answers the errno it is to fail with, or 0.
     int begin(const char* name, const std::string& path);
 

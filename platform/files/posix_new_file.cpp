@@ -1,0 +1,92 @@
+#include "platform/files/posix_new_file.h"
+
+#include "platform/files/posix_file_manager.h"
+
+#include <system_error>
+
+namespace zelmora::platform {
+
+namespace {
+
+/// With this size a file gets a thread: more than one piece, and worth what starting it costs.
+constexpr size_t kLargeSize = size_t{1} << 20; // bytes
+
+int sync(int file) {
+    return errnoUnless(resumed([&] { return ::fdatasync(file); }));
+}
+
+} // namespace
+
+PosixNewFile::PosixNewFile(const std::string& path, mode_t mode)
+    : _path(path), _target(_path), _mode(mode), _scratch(_target),
+      _code(_target.error() != 0 ? _target.error() : open()) {}
+
+int PosixNewFile::open() {
+    _file = openUnnamedFile(_target, _mode);
+    _isUnnamed = _file.isOpen();
+    if (_isUnnamed) {
+        return 0;
+    }
+    // Not every file system has unnamed files. If it was something else that failed, it fails
+    // again.
+    return _scratch.make([&](int folder, const char* name) {
+        _file = openAt(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, _mode);
+        return _file.isOpen() ? 0 : errno;
+    });
+}
+
+void PosixNewFile::write(Bytes& bytes) {
+    if (_code == 0 && _size < kLargeSize && _size + bytes.size() >= kLargeSize) {
+        startBackground();
+    }
+    _size += bytes.size();
+    if (_code == 0 && _background) {
+        _background->write(bytes);
+    } else if (_code == 0) {
+        _code = writeAll(_file.get(), bytes.data(), bytes.size());
+    }
+    bytes.clear();
+}
+
+void PosixNewFile::startBackground() {
+    try {
+        _background.emplace(_file.get());
+    } catch (const std::system_error&) { // no more threads: it is written as it comes
+    }
+}
+
+Status PosixNewFile::finish() {
+    if (_code == 0 && _background) {
+        _code = _background->finish();
+    }
+    if (_code == 0) {
+        _code = syncAndName();
+    }
+    return statusOf(_code, _path, "create");
+}
+
+int PosixNewFile::syncAndName() {
+    if (const int code = sync(_file.get())) {
+        return code;
+    }
+    if (!_isUnnamed) {
+        const int code = _file.close();
+        return code != 0 ? code : _scratch.takeTargetName();
+    }
+    const int code = nameUnnamedFile(_file.get(), _target);
+    return code == 0 || code == EEXIST ? code : takeScratchCopy();
+}
+
+/// For a process that may not name an unnamed file.
+int PosixNewFile::takeScratchCopy() {
+    const int code = makeScratchFile(_scratch, _mode, [&](int copy) {
+        if (::lseek(_file.get(), 0, SEEK_SET) != 0) {
+            return errno;
+        }
+        const int copyCode = copyBytes(_file.get(), copy, _size);
+        return copyCode != 0 ? copyCode : sync(copy);
+    });
+    return code != 0 ? code : _scratch.takeTargetName();
+}
+
+} // namespace zelmora::platform
