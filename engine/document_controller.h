@@ -9,6 +9,7 @@
 #include "engine/services.h"
 #include "engine/target_files.h"
 #include "textutil/encoding_info.h"
+#include "textutil/text_pieces.h"
 
 #include <atomic>
 #include <cstdint>
@@ -31,8 +32,9 @@ namespace zelmora {
 /// hold and queues these; one worker thread takes them from the queue and converts them one at a
 /// time. Its operations fill one file for each subject: job, targets, conversion, destination.
 ///
-/// Settings are read at each use and never kept. Paths are raw bytes, absolute. The worker never
-/// touches a window: what the user is to see it schedules on the main queue.
+/// Settings are read at each use and kept no longer than one conversion. Paths are raw bytes,
+/// absolute. The worker never touches a window: what the user is to see it schedules on the main
+/// queue.
 class ZelDocumentController : public ProgressWindowDelegate {
   public:
     /// Starts the worker, which finds the queue empty and sleeps. Main thread. The foundation
@@ -94,8 +96,6 @@ class ZelDocumentController : public ProgressWindowDelegate {
     /// the source as it was (but for what doConvertProcessPostDstPath says) and schedules an alert.
     /// Running out of memory is a failure like any other.
     void doConvertProcess(const std::string& srcPath);
-    void doConvertProcessLinebreaks(std::u16string& text) const;
-    void doConvertProcessHalfToFullKatakana(std::u16string& text) const;
     /// Adds what the target encoding cannot hold to `alterations`.
     [[nodiscard]] std::optional<platform::Bytes>
     doConvertProcessEncoding(std::u16string_view text, OrvEncodingInfo srcEncodingInfo,
@@ -128,10 +128,13 @@ class ZelDocumentController : public ProgressWindowDelegate {
                                                  const std::string& srcPath) const;
 
   private:
-    /// What one conversion has found out by the time it succeeds or fails.
+    /// What is to be done to a text, as set when its conversion began, and what the conversion has
+    /// found out by the time it succeeds or fails.
     struct Conversion {
         OrvEncodingInfo srcEncodingInfo;
         OrvLineBreak srcLineBreak = OrvLineBreak::none;
+        OrvLineBreak dstLineBreak = OrvLineBreak::none; ///< `none`: not converted
+        bool halfToFullKatakana = false;
         std::string failure; ///< why it failed, for the user; empty: it did not
         LostCharacters lost;
     };
@@ -143,7 +146,22 @@ class ZelDocumentController : public ProgressWindowDelegate {
     void quitAutomatically(uint64_t wakeupsSeen) const;
     void tellLostCharacters(LostCharacters lost) const;
 
+    class ConvertedFile;
+
     [[nodiscard]] Conversion convertFile(const std::string& srcPath) const;
+    /// Whether a step of the conversion looks at more of the text than a line.
+    [[nodiscard]] bool needsWholeText(const std::string& srcPath) const;
+    /// Converts the text some lines at a time. NO, and `file` is as new, when the target encoding
+    /// does not hold all of it.
+    bool convertByLines(platform::ByteView source, Conversion& conversion,
+                        ConvertedFile& file) const;
+    /// Converts the text in one piece, altering what the target encoding does not hold.
+    void convertWhole(platform::Bytes source, Conversion& conversion, ConvertedFile& file) const;
+    /// The next lines with new line breaks and katakana; NO at the end and when decoding fails.
+    bool readConverted(TextReader& reader, Conversion& conversion, std::u16string& lines) const;
+    void doConvertProcessLinebreaks(std::u16string& lines, const Conversion& conversion) const;
+    void doConvertProcessHalfToFullKatakana(std::u16string& lines,
+                                            const Conversion& conversion) const;
     /// Encoding, byte order and mark as set; encoding `none`: the file's own is kept.
     [[nodiscard]] OrvEncodingInfo encodingInfoOfSettings() const;
     [[nodiscard]] OrvEncodingInfo targetEncodingInfo(OrvEncodingInfo srcEncodingInfo) const;

@@ -45,12 +45,41 @@ void ZelDocumentController::doConvertProcess(const std::string& srcPath) {
         tellLostCharacters(std::move(conversion.lost));
 }
 
+/// The converted file beside its source. It gets its name when its first bytes are there, and is
+/// dropped unless it is finished.
+class ZelDocumentController::ConvertedFile {
+  public:
+    ConvertedFile(const ZelDocumentController& controller, const std::string& srcPath)
+        : _controller(controller), _srcPath(srcPath) {}
+
+    /// Adds `bytes` and empties them; finish() tells whether that worked.
+    void write(platform::Bytes& bytes) {
+        if (_file == nullptr) {
+            _dstPath = _controller.dstPathForSrcPath(_srcPath);
+            _file = _controller._services.files.newFileAtPath(_dstPath);
+        }
+        _file->write(bytes);
+    }
+
+    /// Drops what has been written, to begin anew.
+    void drop() { _file.reset(); }
+
+    /// REQUIRES: something was written, be it no bytes.
+    platform::Status finish() { return _file->finish(); }
+
+    [[nodiscard]] const std::string& srcPath() const { return _srcPath; }
+    [[nodiscard]] const std::string& dstPath() const { return _dstPath; }
+
+  private:
+    const ZelDocumentController& _controller;
+    const std::string& _srcPath;
+    std::string _dstPath;
+    std::unique_ptr<platform::NewFile> _file;
+};
+
 ZelDocumentController::Conversion
 ZelDocumentController::convertFile(const std::string& srcPath) const {
-    const auto& defaults = _services.defaults;
-    const auto textUtility = OrvTextUtility::instance();
     Conversion conversion;
-
     auto source = _services.files.contentsAtPath(srcPath);
     if (!source.ok()) {
         // The file manager's word for a FIFO, a socket or a device, which it does not open.
@@ -59,61 +88,110 @@ ZelDocumentController::convertFile(const std::string& srcPath) const {
                                  : reason("ReasonRead", source.error());
         return conversion;
     }
-    conversion.srcEncodingInfo = textUtility->encodingInfoOfTextData(*source);
+    const auto& defaults = _services.defaults;
+    conversion.srcEncodingInfo = OrvTextUtility::instance()->encodingInfoOfTextData(*source);
     conversion.srcEncodingInfo.characterMapping =
         static_cast<OrvCharacterMapping>(codeForKey(defaults, settings::sjisDeviceCharRead));
-    auto text = textUtility->stringWithData(*source, conversion.srcEncodingInfo);
-    *source = {}; // never more in memory than the steps still ahead need
-    if (!text) {
-        const auto& strings = _services.strings;
-        conversion.failure = strings.format(
-            "ReasonDecode",
-            {strings.stringForKey(encodingNameKey(conversion.srcEncodingInfo.encoding))});
-        return conversion;
-    }
+    conversion.dstLineBreak =
+        static_cast<OrvLineBreak>(codeForKey(defaults, settings::lineBreakCode));
+    conversion.halfToFullKatakana = defaults.boolForKey(settings::halfToFullKatakana);
 
-    conversion.srcLineBreak = textUtility->lineBreakTypeOfString(*text);
-    doConvertProcessLinebreaks(*text);
-    doConvertProcessHalfToFullKatakana(*text);
-    if (isHTMLFile(srcPath))
-        doConvertProcessMETAElement(*text, conversion.srcEncodingInfo);
-    if (isXMLFile(srcPath))
-        doConvertProcessXMLProcInstruction(*text, conversion.srcEncodingInfo);
-    if (isCSSFile(srcPath))
-        doConvertProcessCSSElement(*text, conversion.srcEncodingInfo, conversion.srcLineBreak);
-
-    platform::Alterations alterations;
-    const auto output = doConvertProcessEncoding(*text, conversion.srcEncodingInfo, alterations);
-    if (alterations.count != 0)
-        conversion.lost = lostCharacters(srcPath, *text, alterations);
-    text.reset();
-    if (!output) {
-        conversion.failure = _services.strings.stringForKey("ReasonEncode");
+    ConvertedFile file(*this, srcPath);
+    if (needsWholeText(srcPath) || !convertByLines(*source, conversion, file))
+        convertWhole(std::move(*source), conversion, file);
+    if (!conversion.failure.empty())
         return conversion;
-    }
-    const auto dstPath = dstPathForSrcPath(srcPath);
-    if (const auto written = _services.files.createFileAtPath(dstPath, *output); !written.ok())
+    if (const auto written = file.finish(); !written.ok())
         conversion.failure = reason("ReasonWrite", written.error());
-    else if (const auto placed = doConvertProcessPostDstPath(dstPath, srcPath); !placed.ok())
+    else if (const auto placed = doConvertProcessPostDstPath(file.dstPath(), srcPath); !placed.ok())
         conversion.failure = _services.strings.format(
-            "ReasonPlace", {errorText(placed.error()), platform::displayPath(dstPath)});
+            "ReasonPlace", {errorText(placed.error()), platform::displayPath(file.dstPath())});
     return conversion;
 }
 
-void ZelDocumentController::doConvertProcessLinebreaks(std::u16string& text) const {
-    const auto target =
-        static_cast<OrvLineBreak>(codeForKey(_services.defaults, settings::lineBreakCode));
-    if (target == OrvLineBreak::none)
-        return;
-    const auto textUtility = OrvTextUtility::instance();
-    const auto source = textUtility->lineBreakTypeOfString(text);
-    if (source != OrvLineBreak::none && source != target)
-        textUtility->convertLineBreakOfString(text, source, target);
+bool ZelDocumentController::needsWholeText(const std::string& srcPath) const {
+    return isHTMLFile(srcPath) || isXMLFile(srcPath) || isCSSFile(srcPath);
 }
 
-void ZelDocumentController::doConvertProcessHalfToFullKatakana(std::u16string& text) const {
-    if (_services.defaults.boolForKey(settings::halfToFullKatakana))
-        OrvTextUtility::instance()->convertHalfToFullKatakanaOfString(text);
+bool ZelDocumentController::convertByLines(platform::ByteView source, Conversion& conversion,
+                                           ConvertedFile& file) const {
+    constexpr size_t kWrittenAtOnce = 256 * 1024; // bytes
+    TextReader reader(source, conversion.srcEncodingInfo);
+    platform::Bytes bytes;
+    TextWriter writer(targetEncodingInfo(conversion.srcEncodingInfo), bytes);
+    std::u16string lines;
+    while (readConverted(reader, conversion, lines)) {
+        if (!writer.write(lines)) {
+            file.drop();
+            return false;
+        }
+        if (bytes.size() >= kWrittenAtOnce)
+            file.write(bytes);
+    }
+    if (conversion.failure.empty()) {
+        writer.finish();
+        file.write(bytes);
+    }
+    return true;
+}
+
+void ZelDocumentController::convertWhole(platform::Bytes source, Conversion& conversion,
+                                         ConvertedFile& file) const {
+    std::u16string text;
+    text.reserve(source.size()); // more than enough; what is not used costs nothing
+    TextReader reader(source, conversion.srcEncodingInfo);
+    for (std::u16string lines; readConverted(reader, conversion, lines);)
+        text += lines;
+    source = {}; // never more in memory than the steps still ahead need
+    if (!conversion.failure.empty())
+        return;
+    if (isHTMLFile(file.srcPath()))
+        doConvertProcessMETAElement(text, conversion.srcEncodingInfo);
+    if (isXMLFile(file.srcPath()))
+        doConvertProcessXMLProcInstruction(text, conversion.srcEncodingInfo);
+    if (isCSSFile(file.srcPath()))
+        doConvertProcessCSSElement(text, conversion.srcEncodingInfo, conversion.srcLineBreak);
+    platform::Alterations alterations;
+    auto output = doConvertProcessEncoding(text, conversion.srcEncodingInfo, alterations);
+    if (alterations.count != 0)
+        conversion.lost = lostCharacters(file.srcPath(), text, alterations);
+    if (output)
+        file.write(*output);
+    else
+        conversion.failure = _services.strings.stringForKey("ReasonEncode");
+}
+
+bool ZelDocumentController::readConverted(TextReader& reader, Conversion& conversion,
+                                          std::u16string& lines) const {
+    if (reader.read(lines)) {
+        // The text's first line break is in its first lines.
+        if (conversion.srcLineBreak == OrvLineBreak::none)
+            conversion.srcLineBreak = OrvTextUtility::instance()->lineBreakTypeOfString(lines);
+        doConvertProcessLinebreaks(lines, conversion);
+        doConvertProcessHalfToFullKatakana(lines, conversion);
+        return true;
+    }
+    if (reader.hasFailed()) {
+        const auto encoding = encodingNameKey(conversion.srcEncodingInfo.encoding);
+        conversion.failure =
+            _services.strings.format("ReasonDecode", {_services.strings.stringForKey(encoding)});
+        conversion.srcLineBreak = OrvLineBreak::none;
+    }
+    return false;
+}
+
+void ZelDocumentController::doConvertProcessLinebreaks(std::u16string& lines,
+                                                       const Conversion& conversion) const {
+    const auto source = conversion.srcLineBreak;
+    const auto target = conversion.dstLineBreak;
+    if (source != OrvLineBreak::none && target != OrvLineBreak::none && source != target)
+        OrvTextUtility::instance()->convertLineBreakOfString(lines, source, target);
+}
+
+void ZelDocumentController::doConvertProcessHalfToFullKatakana(std::u16string& lines,
+                                                               const Conversion& conversion) const {
+    if (conversion.halfToFullKatakana)
+        OrvTextUtility::instance()->convertHalfToFullKatakanaOfString(lines);
 }
 
 std::optional<platform::Bytes>

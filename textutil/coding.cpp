@@ -2,6 +2,7 @@
 // codecs take U+FEFF for a character like any other.
 #include "platform/text/text_encoding.h"
 #include "textutil/encoding_detector.h"
+#include "textutil/text_pieces.h"
 #include "textutil/text_utility_private.h"
 
 #include <algorithm>
@@ -58,7 +59,62 @@ ByteView markOf(TextEncoding encoding) {
     }
 }
 
+TextEncoding targetEncodingOf(OrvEncodingInfo info) {
+    return textEncodingOf(info).value_or(TextEncoding::macOSRoman);
+}
+
+/// Where `text` can be cut: behind the last line break of which all is there, `from` when there is
+/// none behind that.
+size_t endOfLastLine(std::u16string_view text, size_t from) {
+    for (size_t end = text.size(); end > from; --end) {
+        const char16_t unit = text[end - 1];
+        const bool mayGoOn = unit == u'\r' && end == text.size();
+        if ((unit == u'\n' || unit == u'\r' || unit == u'\u2028') && !mayGoOn)
+            return end;
+    }
+    return from;
+}
+
 } // namespace
+
+TextReader::TextReader(ByteView data, OrvEncodingInfo encodingInfo) : _data(data) {
+    const auto encoding = textEncodingOf(encodingInfo);
+    _hasFailed = !encoding;
+    if (_hasFailed)
+        return;
+    const size_t skipped = encodingInfo.hasBOM ? markOf(*encoding).size() : 0;
+    _data = data.subspan(std::min(skipped, data.size()));
+    _decoder = platform::makeTextDecoder(*encoding);
+}
+
+bool TextReader::read(std::u16string& piece) {
+    constexpr size_t kPieceSize = 64 * 1024; // bytes; with all it becomes, within a processor's L2
+    piece.assign(_begun);
+    _begun.clear();
+    while (!_hasFailed && !_data.empty()) {
+        const size_t searched = piece.size() - (piece.ends_with(u'\r') ? 1 : 0);
+        _hasFailed = !_decoder->decode(_data, kPieceSize, piece);
+        const size_t end = endOfLastLine(piece, searched);
+        if (end != searched && !_data.empty() && !_hasFailed) {
+            _begun.assign(piece, end);
+            piece.resize(end);
+            break;
+        }
+    }
+    return !_hasFailed && !piece.empty();
+}
+
+TextWriter::TextWriter(OrvEncodingInfo encodingInfo, Bytes& bytes)
+    : _bytes(bytes), _encoder(platform::makeTextEncoder(targetEncodingOf(encodingInfo))) {
+    const ByteView mark = markOf(targetEncodingOf(encodingInfo));
+    if (encodingInfo.hasBOM)
+        bytes.insert(bytes.end(), mark.begin(), mark.end());
+}
+
+bool TextWriter::write(std::u16string_view piece) {
+    const char16_t* const end = piece.data() + piece.size();
+    return _encoder->encode(piece.data(), end, _bytes) == end;
+}
 
 OrvEncodingInfo OrvTextUtilityPrivate::encodingInfoOfTextData(std::optional<ByteView> data) const {
     return data ? detectEncodingInfo(*data) : OrvEncodingInfo{};
@@ -86,7 +142,7 @@ OrvTextUtilityPrivate::dataWithString(std::optional<std::u16string_view> text,
                                       platform::Alterations& alterations) const {
     if (!text)
         return std::nullopt;
-    const TextEncoding encoding = textEncodingOf(encodingInfo).value_or(TextEncoding::macOSRoman);
+    const TextEncoding encoding = targetEncodingOf(encodingInfo);
     auto data = platform::encodeText(*text, encoding);
     if (!data)
         data = platform::encodeTextLossy(*text, encoding, alterations);

@@ -3,9 +3,11 @@
 #include "engine/document_controller.h"
 #include "engine/settings.h"
 #include "engine_fixture.h"
+#include "textutil/text_utility_private.h"
 
 #include <cerrno>
 #include <cstdio>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -120,6 +122,78 @@ TEST_F(ConversionTest, FileTooLargeForTheMemoryFailsByItself) {
     EXPECT_EQ(readFile(small), "\xe8\xa1\xa8");
 }
 
+/// Shift_JIS of more than a few pieces, all lines alike.
+std::string largeText() {
+    std::string text;
+    while (text.size() < 1'500'000)
+        text += "\x95\x5c\xb6\xde A\r\n";
+    return text;
+}
+
+TEST_F(ConversionTest, LargeTextIsConvertedInPiecesAsIfItWereWhole) {
+    const OrvTextUtilityPrivate utility;
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        std::mt19937 random(seed);
+        set(settings::encodingCode, random() % 7);
+        set(settings::lineBreakCode, random() % 5);
+        defaults.setBool(random() % 2 == 0, settings::halfToFullKatakana);
+        std::u16string text;
+        for (size_t lines = random() % 40; lines > 0; --lines) {
+            text.append(random() % (seed % 4 == 0 ? 70'000 : 9'000), u"a漢ｶﾊ"[random() % 4]);
+            text += std::u16string_view(u"ﾞ\r\n\uFF9F\n\n\r漢").substr(random() % 7, 2);
+        }
+        if (seed % 5 == 0)
+            text += u"\U0001F600"; // only Unicode holds it
+        const OrvEncodingInfo record{.encoding = OrvEncoding::utf8, .hasBOM = true};
+        const auto path =
+            folder.writeFile("a.txt", platform::charsOf(*utility.dataWithString(text, record)));
+        convert(path);
+
+        auto wanted = record;
+        if (const auto code = defaults.integerForKey(settings::encodingCode); code != 0)
+            wanted = {.encoding = OrvEncoding(code), .byteOrder = OrvByteOrder::littleEndian};
+        wanted.characterMapping = OrvCharacterMapping::windows;
+        const auto to = OrvLineBreak(defaults.integerForKey(settings::lineBreakCode));
+        const auto from = utility.lineBreakTypeOfString(text);
+        if (from != OrvLineBreak::none && to != OrvLineBreak::none)
+            utility.convertLineBreakOfString(text, from, to);
+        if (defaults.boolForKey(settings::halfToFullKatakana))
+            utility.convertHalfToFullKatakanaOfString(text);
+        const auto expected = *utility.dataWithString(text, wanted);
+        EXPECT_TRUE(readFile(path) == platform::charsOf(expected))
+            << "seed " << seed << ", encoding " << defaults.integerForKey(settings::encodingCode);
+        EXPECT_EQ(folder.items(), Items{"a.txt"}) << "seed " << seed;
+    }
+    EXPECT_EQ(alertTexts(), Items());
+}
+
+TEST_F(ConversionTest, WhatFailsLateInALargeTextLeavesNothingBehind) {
+    const std::string text = largeText();
+    const struct {
+        const char* what;
+        std::string source;
+        int writeCode;
+        std::string why;
+    } cases[] = {
+        {"cut in its last character", text + "\x81", 0, "Its bytes are not valid Shift_JIS."},
+        {"disk full", text, ENOSPC,
+         "The converted text cannot be written: No space left on device."},
+        // What is wrong with the file itself is told first.
+        {"both", text + "\x81", ENOSPC, "Its bytes are not valid Shift_JIS."},
+    };
+    for (const auto& each : cases) {
+        userInterface.alerts.clear();
+        files.failEvery("write", each.writeCode);
+        const auto path = folder.writeFile("a.txt", each.source);
+        convert(path);
+        EXPECT_EQ(alertTexts(), (Items{"A file could not be converted.|" + path +
+                                       " was not converted. " + each.why}))
+            << each.what;
+        EXPECT_TRUE(readFile(path) == each.source) << each.what;
+        EXPECT_EQ(folder.items(), Items{"a.txt"}) << each.what;
+    }
+}
+
 TEST_F(ConversionTest, LinkIsReplacedByTheConvertedFileAndItsTargetStays) {
     const auto target = folder.writeFile("target.txt", "\x95\x5c");
     ASSERT_EQ(symlink(target.c_str(), (folder / "link.txt").c_str()), 0);
@@ -146,8 +220,8 @@ TEST_F(ConversionTest, LogLineIsWrittenBeforeTheAlertAndOnlyWhenAskedFor) {
 /// Every operation of a conversion fails in its turn. What is left is always one whole text, and
 /// exactly the failures are reported.
 TEST_F(ConversionTest, AnyFailingOperationLeavesAWholeFile) {
-    const std::string before = "\x95\x5c\r\n";
-    const std::string after = "\xe8\xa1\xa8\n";
+    const std::string before = "\x95\x5c" + std::string(600'000, '\r');
+    const std::string after = "\xe8\xa1\xa8" + std::string(600'000, '\n');
     defaults.setBool(true, settings::createLogFile);
     set(settings::lineBreakCode, 1);
     bool wasReached = true;
@@ -172,16 +246,16 @@ TEST_F(ConversionTest, AnyFailingOperationLeavesAWholeFile) {
         EXPECT_EQ(job.failedCount(), shown.alerts.size()) << failed;
         if (isConverted) {
             EXPECT_EQ(place.items(), Items{"a.txt"}) << failed;
-            EXPECT_EQ(readFile(path), after) << failed;
+            EXPECT_TRUE(readFile(path) == after) << failed;
         } else if (failed == "moveItemAtPath") {
             EXPECT_EQ(place.items(), Items{"a#0.txt"});
-            EXPECT_EQ(readFile(place / "a#0.txt"), after);
+            EXPECT_TRUE(readFile(place / "a#0.txt") == after);
         } else {
-            EXPECT_EQ(readFile(path), before) << failed;
+            EXPECT_TRUE(readFile(path) == before) << failed;
             // The converted text may stay beside the source once it has been written whole.
             if (place.items() != Items{"a.txt"}) {
                 EXPECT_EQ(place.items(), (Items{"a#0.txt", "a.txt"})) << failed;
-                EXPECT_EQ(readFile(place / "a#0.txt"), after) << failed;
+                EXPECT_TRUE(readFile(place / "a#0.txt") == after) << failed;
             }
         }
         ASSERT_LT(ordinal, 100U);
