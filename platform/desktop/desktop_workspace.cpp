@@ -1,5 +1,7 @@
 #include "platform/desktop/desktop_workspace.h"
 
+#include "platform/text/file_url.h"
+
 #include <QDesktopServices>
 #include <QUrl>
 
@@ -7,8 +9,7 @@ namespace zelmora::platform {
 
 bool DesktopWorkspace::openFile(const std::string& path) {
     // Encoded from the bytes: QUrl::fromLocalFile() would take them for UTF-8.
-    const auto encoded = QByteArray::fromStdString(path).toPercentEncoding("/");
-    return QDesktopServices::openUrl(QUrl::fromEncoded("file://" + encoded));
+    return openURL(fileURLFromPath(path));
 }
 
 bool DesktopWorkspace::openURL(const std::string& url) {

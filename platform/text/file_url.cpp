@@ -52,4 +52,20 @@ std::optional<std::string> pathFromFileURL(std::string_view url) {
     return percentDecoded(url.substr(0, url.find_first_of("?#")));
 }
 
+std::string fileURLFromPath(std::string_view path) {
+    constexpr std::string_view unescaped =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string url = "file://";
+    for (const char c : path) {
+        if (unescaped.find(c) != std::string_view::npos) {
+            url.push_back(c);
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(c);
+        url.append({'%', digits[byte >> 4], digits[byte & 15]});
+    }
+    return url;
+}
+
 } // namespace zelmora::platform

@@ -12,4 +12,7 @@ namespace zelmora::platform {
 /// is not absolute, a bad percent escape, an escaped NUL.
 [[nodiscard]] std::optional<std::string> pathFromFileURL(std::string_view url);
 
+/// The file URL of an absolute path, raw bytes: all but ASCII letters, digits and -._~/ is escaped.
+[[nodiscard]] std::string fileURLFromPath(std::string_view path);
+
 } // namespace zelmora::platform

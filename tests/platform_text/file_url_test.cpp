@@ -32,5 +32,13 @@ TEST(FileURLTest, OnlyFilesOfThisMachineHaveAPath) {
         EXPECT_EQ(pathFromFileURL(each.url), each.path) << each.url;
 }
 
+TEST(FileURLTest, EveryPathHasAURLOfPlainASCII) {
+    EXPECT_EQ(fileURLFromPath("/a-b_c.~/\x95\\ %#?"), "file:///a-b_c.~/%95%5C%20%25%23%3F");
+    for (int byte = 1; byte < 256; ++byte) {
+        const std::string path{'/', static_cast<char>(byte)};
+        EXPECT_EQ(pathFromFileURL(fileURLFromPath(path)), path) << byte;
+    }
+}
+
 } // namespace
 } // namespace zelmora::platform
