@@ -4,6 +4,8 @@
 #include "engine/settings.h"
 
 #include <array>
+#include <string_view>
+#include <utility>
 
 namespace zelmora {
 
@@ -35,8 +37,28 @@ std::string settingsSummary(const platform::UserDefaults& defaults,
                                                                           : "SummaryBackupOff");
 }
 
-std::span<const std::string_view> settingsSummaryKeys() {
-    return summaryKeys;
+SettingsSummary::SettingsSummary(platform::UserDefaults& defaults,
+                                 const platform::LocalizedStrings& strings,
+                                 platform::RunLoop& mainLoop, Show show)
+    : _defaults(defaults), _update(std::make_shared<std::function<void()>>(
+                               [&defaults, &strings, tell = std::move(show)] {
+                                   tell(settingsSummary(defaults, strings));
+                               })) {
+    // The change may come from any thread, and from the middle of other work.
+    const auto updateLater = [&mainLoop, update = std::weak_ptr(_update)](std::string_view) {
+        mainLoop.mainQueue().async([update] {
+            if (const auto current = update.lock())
+                (*current)();
+        });
+    };
+    for (const auto key : summaryKeys)
+        _observers.push_back(defaults.addObserver(key, updateLater));
+    (*_update)();
+}
+
+SettingsSummary::~SettingsSummary() {
+    for (const auto observer : _observers)
+        _defaults.removeObserver(observer);
 }
 
 } // namespace zelmora

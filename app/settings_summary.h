@@ -3,10 +3,12 @@
 
 #include "platform/defaults/localized_strings.h"
 #include "platform/defaults/user_defaults.h"
+#include "platform/events/run_loop.h"
 
-#include <span>
+#include <functional>
+#include <memory>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace zelmora {
 
@@ -14,7 +16,22 @@ namespace zelmora {
 [[nodiscard]] std::string settingsSummary(const platform::UserDefaults& defaults,
                                           const platform::LocalizedStrings& strings);
 
-/// The keys that it tells of.
-[[nodiscard]] std::span<const std::string_view> settingsSummaryKeys();
+/// Keeps someone informed of it: tells `show` the summary on its making and after each change of
+/// what it tells of, on the main thread. Everything given is borrowed but the function.
+class SettingsSummary {
+  public:
+    using Show = std::function<void(const std::string&)>;
+    SettingsSummary(platform::UserDefaults& defaults, const platform::LocalizedStrings& strings,
+                    platform::RunLoop& mainLoop, Show show);
+    ~SettingsSummary();
+    SettingsSummary(const SettingsSummary&) = delete;
+    SettingsSummary& operator=(const SettingsSummary&) = delete;
+
+  private:
+    platform::UserDefaults& _defaults;
+    std::vector<platform::UserDefaults::ObserverID> _observers;
+    /// Owned here alone; changes that are still to be told hold it weakly.
+    std::shared_ptr<const std::function<void()>> _update;
+};
 
 } // namespace zelmora

@@ -8,38 +8,48 @@
 #include "app/settings_summary.h"
 #include "app/string_table.h"
 #include "engine/settings.h"
+#include "platform/desktop/application_bus.h"
 #include "platform/desktop/desktop_user_interface.h"
 #include "platform/desktop/desktop_workspace.h"
+#include "platform/desktop/end_requests.h"
 #include "platform/desktop/main_window.h"
 #include "platform/files/process_setup.h"
 
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace zelmora {
 
 namespace {
 
+constexpr std::chrono::seconds kServicePatience{10};
+
 /// Everything that lives as long as the desktop program. Each part stands behind those it borrows.
 class DesktopProgram {
   public:
-    DesktopProgram(int& argumentCount, char** arguments, const platform::Bundle& bundle,
-                   const platform::LocalizedStrings& strings);
-    /// Answers the exit status.
-    int run(const std::vector<std::string>& paths);
+    DesktopProgram(platform::DesktopApplication& application, platform::ApplicationBus& bus,
+                   const platform::Bundle& bundle, const platform::LocalizedStrings& strings);
+    /// Converts `paths`, or as a service waits for others to say what to do. Answers the exit
+    /// status.
+    int run(const std::vector<std::string>& paths, bool isService);
 
   private:
     platform::MainWindowActions actions();
     AppServices services();
     void showPreferences();
     void showAbout();
-    void showSummary();
+    void serveBus();
+    void waitForRequest();
     void askAboutManual();
     void loadSettings();
     void saveSettings();
 
-    platform::DesktopApplication _application;
+    platform::DesktopApplication& _application;
+    platform::ApplicationBus& _bus;
     platform::FileManager& _files = platform::FileManager::defaultManager();
     const platform::Bundle& _bundle;
     platform::UserDefaults _defaults{settings::allKeys()};
@@ -47,20 +57,20 @@ class DesktopProgram {
     platform::DesktopUserInterface _userInterface{{_bundle, _files, _defaults, _application}};
     platform::DesktopWorkspace _workspace;
     platform::MainWindow _window{_strings, actions()};
+    SettingsSummary _summary{_defaults, _strings, _application.runLoop(),
+                             [this](const std::string& text) { _window.setSummary(text); }};
     ZelAppController _controller{services()};
+    platform::EndRequests _endRequests{[this] { _userInterface.terminate(); }};
+    bool _isWaiting = false; ///< as a service, for the first request
 };
 
-DesktopProgram::DesktopProgram(int& argumentCount, char** arguments, const platform::Bundle& bundle,
+DesktopProgram::DesktopProgram(platform::DesktopApplication& application,
+                               platform::ApplicationBus& bus, const platform::Bundle& bundle,
                                const platform::LocalizedStrings& strings)
-    : _application(argumentCount, arguments), _bundle(bundle), _strings(strings) {
+    : _application(application), _bus(bus), _bundle(bundle), _strings(strings) {
     _application.installStrings(_strings, platform::preferredLanguage());
     _application.setDelegate(_controller);
     loadSettings();
-    for (const auto key : settingsSummaryKeys())
-        _defaults.addObserver(key, [this](std::string_view) {
-            _application.runLoop().mainQueue().async([this] { showSummary(); });
-        });
-    showSummary();
 }
 
 platform::MainWindowActions DesktopProgram::actions() {
@@ -86,10 +96,18 @@ AppServices DesktopProgram::services() {
             .mainWindow = &_window.asWindow()};
 }
 
-int DesktopProgram::run(const std::vector<std::string>& paths) {
-    _window.show();
-    if (paths.empty()) // who comes with files wants them converted
-        _application.runLoop().mainQueue().async([this] { askAboutManual(); });
+int DesktopProgram::run(const std::vector<std::string>& paths, bool isService) {
+    _isWaiting = isService && paths.empty();
+    if (!_isWaiting)
+        _window.show();
+    // Once launched: what comes over the bus finds the controller ready.
+    _application.runLoop().mainQueue().async([this, hasPaths = !paths.empty()] {
+        serveBus();
+        if (_isWaiting)
+            waitForRequest();
+        else if (!hasPaths) // who comes with files wants them converted
+            askAboutManual();
+    });
     const int status = _application.run(paths);
     saveSettings();
     if (_controller.hasAbandonedWorker()) {
@@ -97,6 +115,30 @@ int DesktopProgram::run(const std::vector<std::string>& paths) {
         std::_Exit(status);
     }
     return status;
+}
+
+void DesktopProgram::serveBus() {
+    _bus.serve({.areTaken = [this] { return !_userInterface.isTerminating(); },
+                .activate =
+                    [this] {
+                        _window.present();
+                        if (std::exchange(_isWaiting, false))
+                            askAboutManual();
+                    },
+                .open =
+                    [this](const std::vector<std::string>& paths) {
+                        _window.present();
+                        _isWaiting = false;
+                        _controller.applicationOpenFiles(paths);
+                    }});
+}
+
+/// A service without a window that nobody wants anything of would stay unseen.
+void DesktopProgram::waitForRequest() {
+    QTimer::singleShot(kServicePatience, &_window, [this] {
+        if (_isWaiting)
+            _userInterface.terminate();
+    });
 }
 
 void DesktopProgram::showPreferences() {
@@ -111,10 +153,6 @@ void DesktopProgram::showAbout() {
                                 _strings.stringForKey("AboutText"),
                                 {_strings.stringForKey("OK")}},
                                &_window.asWindow());
-}
-
-void DesktopProgram::showSummary() {
-    _window.setSummary(settingsSummary(_defaults, _strings));
 }
 
 /// Asks once, and only when there is a manual to open.
@@ -149,12 +187,16 @@ int main(int argc, char** argv) {
     const auto options = readDesktopOptions(arguments.subspan(argc > 0 ? 1 : 0), strings);
     if (const auto* status = std::get_if<int>(&options))
         return *status;
+    const auto& [isService, pathArguments] = std::get<DesktopOptions>(options);
     std::vector<std::string> paths;
-    for (const auto& argument : std::get<DesktopOptions>(options).paths)
+    for (const auto& argument : pathArguments)
         paths.push_back(pathFromArgument(argument));
     // Qt sees no more than the program's name: it would take its own options from behind "--" too,
     // and without a display nothing could be said of the others.
     int argumentsForQt = std::min(argc, 1);
-    DesktopProgram program(argumentsForQt, argv, bundle, strings);
-    return program.run(paths);
+    platform::DesktopApplication application(argumentsForQt, argv);
+    platform::ApplicationBus bus;
+    if (bus.handOver(paths))
+        return EXIT_SUCCESS;
+    return DesktopProgram(application, bus, bundle, strings).run(paths, isService);
 }

@@ -39,6 +39,13 @@ MainWindow::MainWindow(const LocalizedStrings& strings, MainWindowActions action
     makeContents(strings);
 }
 
+void MainWindow::present() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
 void MainWindow::setSummary(const std::string& summary) {
     _summary->setText(QString::fromStdString(summary));
 }

@@ -33,6 +33,8 @@ class MainWindow final : public QMainWindow {
 
     /// Itself, as the parent of sheets.
     Window& asWindow() { return _asWindow; }
+    /// Shows it, in front of the others as far as the desktop allows.
+    void present();
     /// Shows what will be done, UTF-8.
     void setSummary(const std::string& summary);
 

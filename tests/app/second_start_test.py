@@ -1,0 +1,175 @@
+#!/usr/bin/python3
+"""zelmora on a session bus: a second start hands its paths to the first; file managers reach it.
+
+    second_start_test.py PROGRAM
+"""
+
+import os
+import plistlib
+import signal
+import subprocess
+import time
+
+import console_case
+
+KANJI, UTF8 = "表示\n".encode("cp932"), "表示\n".encode()
+
+
+def until(condition):
+    """Waits for what other processes do; says whether it came."""
+    end = time.monotonic() + 30
+    while not condition():
+        if time.monotonic() > end:
+            return False
+        time.sleep(0.02)
+    return True
+
+
+class SecondStartTest(console_case.ConsoleCase):
+    """Each test has a session bus of its own, and a user without a display."""
+
+    def setUp(self):
+        super().setUp()
+        self.bus = "unix:path=" + os.fsdecode(self.path_of_top(b"bus"))
+        daemon = self.start(["dbus-daemon", "--session", "--nofork", "--print-address",
+                             "--address=" + self.bus], stdout=subprocess.PIPE)
+        daemon.stdout.readline()  # it listens
+        daemon.stdout.close()
+        self.settings()
+
+    def settings(self, **values):
+        """The saved settings: no backup, no question about the manual, and these."""
+        os.makedirs(os.path.dirname(self.saved_settings), exist_ok=True)
+        with open(self.saved_settings, "wb") as file:
+            plistlib.dump({"autoBackup": False, "displayManualAlert": True, **values}, file)
+
+    def environment(self, language="C"):
+        return {**super().environment(language), "QT_QPA_PLATFORM": "offscreen",
+                "DBUS_SESSION_BUS_ADDRESS": self.bus}
+
+    def start(self, command, **options):
+        process = subprocess.Popen(command, cwd=self.folder, stderr=subprocess.DEVNULL, **options)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
+    def zelmora(self, *arguments):
+        return self.start(self.command(*arguments), env=self.environment())
+
+    def first(self, *arguments):
+        process = self.zelmora(*arguments)
+        self.assertTrue(until(lambda: b"true" in self.call(
+            "org.freedesktop.DBus", "/", "org.freedesktop.DBus.NameHasOwner",
+            "org.zelmora.Zelmora").stdout))
+        return process
+
+    def call(self, destination, path, method, *arguments):
+        return subprocess.run(["gdbus", "call", "--session", "--dest", destination,
+                               "--object-path", path, "--method", method, *arguments],
+                              env=self.environment(), capture_output=True, check=False)
+
+    def request(self, method, *arguments):
+        return self.call("org.zelmora.Zelmora", "/org/zelmora/Zelmora",
+                         "org.freedesktop.Application." + method, *arguments)
+
+    def assert_ends(self, process, status=0):
+        self.assertEqual(process.wait(timeout=60), status)
+
+    def assert_converted(self, *names):
+        for name in names:
+            self.assertTrue(until(lambda: self.read(name) == UTF8), name)
+
+    def test_a_second_start_hands_its_paths_over(self):
+        first = self.first()
+        names = [b"a.txt", b"\x95\x5c \xff%41#.txt", "日本.txt".encode(), b"-x.txt"]
+        for name in names:
+            self.write(name, KANJI)
+        self.assert_ends(self.zelmora(*names[:3]))
+        self.assert_converted(*names[:3])
+        self.assert_ends(self.zelmora("--", "./" + os.fsdecode(names[3])))
+        self.assert_converted(names[3])
+        self.assert_ends(self.zelmora())  # only brings it to the front
+        self.assertIsNone(first.poll())
+        first.send_signal(signal.SIGTERM)
+        self.assert_ends(first)
+        # Now there is a place for another.
+        self.write(b"a.txt", KANJI)
+        again = self.first(b"a.txt")
+        self.assert_converted(b"a.txt")
+        again.send_signal(signal.SIGINT)
+        self.assert_ends(again)
+
+    def test_ten_starts_at_once_are_one_program_and_lose_nothing(self):
+        names = [b"%d.txt" % n for n in range(10)]
+        for name in names:
+            self.write(name, KANJI)
+        starts = [self.zelmora(name) for name in names]
+        self.assert_converted(*names)
+        self.assertTrue(until(lambda: sum(each.poll() is None for each in starts) == 1))
+
+    def test_requests_of_other_programs(self):
+        self.first()
+        self.write(b"\xff a.txt", KANJI)
+        folder = os.fsdecode(self.folder).replace("/", "//", 1)
+        for method, arguments, error in [
+            ("Open", [f"['file://{folder}/%FF%20a.txt']", "{}"], None),
+            ("Open", ["['https://zelmora.example/a.txt']", "{}"], b"InvalidArgs"),
+            ("Activate", ["{'activation-token': <'x'>}"], None),
+            ("ActivateAction", ["'quit'", "@av []", "{}"], b"InvalidArgs"),
+            ("Open", ["'x'"], b"rror"),
+            ("Quit", [], b"UnknownMethod"),
+        ]:
+            with self.subTest(method=method, arguments=arguments):
+                answer = self.request(method, *arguments)
+                self.assertEqual(answer.returncode != 0, error is not None, answer.stderr)
+                self.assertIn(error or b"", answer.stderr)
+        self.assert_converted(b"\xff a.txt")
+
+    def test_a_service_waits_for_what_it_was_started_for(self):
+        self.write(b"a.txt", KANJI)
+        self.settings(displayManualAlert=False, autoQuit=True)
+        service = self.first("--gapplication-service")
+        self.request("Open", f"['file://{os.fsdecode(self.path(b'a.txt'))}']", "{}")
+        self.assert_ends(service)  # no question about the manual keeps it
+        self.assert_converted(b"a.txt")
+        idle = self.first("--gapplication-service")
+        self.assert_ends(idle)
+
+    def test_no_bus(self):
+        self.bus = "unix:path=/nowhere"
+        self.settings(autoQuit=True)
+        self.write(b"a.txt", KANJI)
+        self.assert_ends(self.zelmora(b"a.txt"))
+        self.assertEqual(self.read(b"a.txt"), UTF8)
+
+    def test_one_that_hangs_is_left_alone_and_does_nothing_twice(self):
+        log = self.path_of_top(b"log")
+        logged = {"createLogFile": True, "logFilePath": os.fsdecode(log)}
+        self.settings(**logged)
+        hanging = self.first()
+        hanging.send_signal(signal.SIGSTOP)
+        self.settings(autoQuit=True, **logged)
+        self.write(b"a.txt", KANJI)
+        self.assert_ends(self.zelmora(b"a.txt"))
+        self.assertEqual(self.read(b"a.txt"), UTF8)
+        hanging.send_signal(signal.SIGCONT)
+        # What is handed over now comes behind what it had not answered.
+        self.write(b"b.txt", KANJI)
+        self.assert_ends(self.zelmora(b"b.txt"))
+        self.assert_converted(b"b.txt")
+        self.assertEqual(self.read(log).count(b"/a.txt"), 1)
+        self.assertIsNone(hanging.poll())
+
+    def test_one_that_dies_meanwhile_is_replaced(self):
+        dying = self.first()
+        dying.send_signal(signal.SIGSTOP)
+        self.settings(autoQuit=True)
+        self.write(b"a.txt", KANJI)
+        second = self.zelmora(b"a.txt")
+        time.sleep(1)
+        dying.kill()
+        self.assert_ends(second)
+        self.assertEqual(self.read(b"a.txt"), UTF8)
+
+
+console_case.main()
