@@ -100,8 +100,12 @@ void MainWindow::makeContents(const LocalizedStrings& strings) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (localPaths(*event->mimeData()))
-        event->acceptProposedAction();
+    if (!localPaths(*event->mimeData()))
+        return;
+    // A copy, whatever is offered: a source that hears "moved" deletes its files. Some take the
+    // answer to the hovering for the outcome.
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
