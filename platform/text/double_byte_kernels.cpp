@@ -15,8 +15,6 @@
 namespace zelmora::platform {
 namespace {
 
-constexpr int kCharacters = 32;
-
 struct ShiftJIS {
     static constexpr int kSingles = ShiftJISTable::kSingles;
 
@@ -60,28 +58,6 @@ ZELMORA_WIDE_PART uint64_t findCells(const Octet* in, uint16_t* cells) {
     return highBits(singles);
 }
 
-/// Of each run of bytes that can begin a pair, every second one does; the one behind each of those
-/// is the pair's other byte. A run that begins at an odd place is told from one that begins at an
-/// even place by the carry of a subtraction.
-uint64_t secondBytes(uint64_t canBegin) {
-    constexpr uint64_t kOddPlaces = 0xAAAA'AAAA'AAAA'AAAA;
-    return (((canBegin << 1 | kOddPlaces) - canBegin) ^ kOddPlaces) ^ canBegin;
-}
-
-/// Writes the next 32 characters; false if one of them is none.
-ZELMORA_WIDE_PART bool lookUp(const char16_t* table, const uint16_t* cells, uint64_t& starts,
-                              char16_t* out) {
-    __m128i noCharacters = _mm_setzero_si128();
-    for (int i = 0; i < kCharacters; i += 8) {
-        const __m128i units = takeEight([&] { return table[cells[takeLowestBit(starts)]]; });
-        store(out + i, units);
-        const __m128i group = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
-        const __m128i unassigned = _mm_set1_epi16(static_cast<short>(kUnassigned));
-        noCharacters = _mm_or_si128(noCharacters, _mm_cmpeq_epi16(group, unassigned));
-    }
-    return _mm_testz_si128(noCharacters, noCharacters) != 0;
-}
-
 template<typename Encoding>
 ZELMORA_WIDE_PART void decodeWindows(const char16_t* table, bool isASCII, const Octet*& source,
                                      const Octet* stop, char16_t*& target) {
@@ -101,10 +77,10 @@ ZELMORA_WIDE_PART void decodeWindows(const char16_t* table, bool isASCII, const 
         uint64_t singles = findCells<Encoding>(in, cells.data());
         singles |= findCells<Encoding>(in + kHalf, cells.data() + kHalf) << kHalf;
         uint64_t starts = ~secondBytes(~singles);
-        if (!lookUp(table, cells.data(), starts, out))
+        if (!lookUp(table, cells.data(), starts, kUsualCount, out))
             break;
         in += std::countr_zero(starts); // 64 when none is left
-        out += kCharacters;
+        out += kUsualCount;
     }
     source = in;
     target = out;

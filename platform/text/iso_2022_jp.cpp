@@ -12,6 +12,7 @@
 #include "platform/text/chunks.h"
 #include "platform/text/legacy_codecs.h"
 #include "platform/text/text_tables.h"
+#include "platform/text/wide_kernels.h"
 
 #include <algorithm>
 #include <array>
@@ -107,10 +108,9 @@ void decodeGraphics(Set set, const Octet*& in, const Octet* stop, const Octet* e
     }
 }
 
-bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* end,
-                char16_t*& target) {
-    const Octet* in = source;
-    char16_t* out = target;
+/// Decodes from `in` to `stop` or past it; false at an invalid code.
+bool decodePlainly(Set& set, const Octet*& in, const Octet* stop, const Octet* end,
+                   char16_t*& out) {
     while (in < stop) {
         if (*in == kEscape) {
             const Designation* designation = designationAt(in, end);
@@ -130,9 +130,25 @@ bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* 
         if (in == before)
             return false;
     }
+    return true;
+}
+
+bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* end,
+                char16_t*& target) {
+    const Octet* in = source;
+    char16_t* out = target;
+    bool decodes = true;
+    while (decodes && in < stop) {
+        bool isDouble = set == Set::jisX0208;
+        if (usesWideKernels() && (isDouble || set == Set::ascii)) {
+            decodeISO2022JPWindows(isDouble, in, stop, out);
+            set = isDouble ? Set::jisX0208 : Set::ascii;
+        }
+        decodes = decodePlainly(set, in, endOfPlainPart(in, stop), end, out);
+    }
     source = in;
     target = out;
-    return true;
+    return decodes;
 }
 
 /// The set in which the character of `code` (see JISTable) is written.

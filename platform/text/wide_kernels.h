@@ -40,6 +40,10 @@ void encodeShiftJISWindows(const uint16_t* codes, bool hasSequences, const char1
 
 void decodeEUCJPWindows(const Octet*& in, const Octet* stop, char16_t*& out);
 
+/// `isDouble`: whether JIS X 0208 is switched to, ASCII otherwise, before and after. Leaves the
+/// other sets to the plain loop.
+void decodeISO2022JPWindows(bool& isDouble, const Octet*& in, const Octet* stop, char16_t*& out);
+
 /// Leaves characters of four bytes to the plain loop.
 void decodeUTF8Windows(const Octet*& in, const Octet* stop, char16_t*& out);
 

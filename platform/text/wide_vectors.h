@@ -1,6 +1,7 @@
 // What the kernels share; only for their sources, and only where __x86_64__ is defined.
 #pragma once
 
+#include "platform/text/text_tables.h"
 #include "platform/text/wide_kernels.h"
 
 #include <bit>
@@ -69,6 +70,31 @@ ZELMORA_WIDE_PART __m128i takeEight(Next next) {
     units = _mm_insert_epi16(units, next(), 5);
     units = _mm_insert_epi16(units, next(), 6);
     return _mm_insert_epi16(units, next(), 7);
+}
+
+/// Of each run of bytes that can begin a pair, every second one does; the one behind each of those
+/// is the pair's other byte. A run that begins at an odd place is told from one that begins at an
+/// even place by the carry of a subtraction.
+inline uint64_t secondBytes(uint64_t canBegin) {
+    constexpr uint64_t kOddPlaces = 0xAAAA'AAAA'AAAA'AAAA;
+    return (((canBegin << 1 | kOddPlaces) - canBegin) ^ kOddPlaces) ^ canBegin;
+}
+
+constexpr int kUsualCount = 32; ///< of the characters in a window of pairs
+
+/// Writes the next `count` characters, whose cells are at the bits of `starts`, or more that do not
+/// count to make it 32; false if one of them is none.
+ZELMORA_WIDE_PART bool lookUp(const char16_t* table, const uint16_t* cells, uint64_t& starts,
+                              int count, char16_t* out) {
+    __m128i noCharacters = _mm_setzero_si128();
+    for (int i = 0; i < kUsualCount || i < count; i += 8) {
+        const __m128i units = takeEight([&] { return table[cells[takeLowestBit(starts)]]; });
+        store(out + i, units);
+        const __m128i group = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
+        const __m128i unassigned = _mm_set1_epi16(static_cast<short>(kUnassigned));
+        noCharacters = _mm_or_si128(noCharacters, _mm_cmpeq_epi16(group, unassigned));
+    }
+    return _mm_testz_si128(noCharacters, noCharacters) != 0;
 }
 
 } // namespace zelmora::platform

@@ -1,0 +1,126 @@
+// Decoding of ISO-2022-JP in windows of 64 bytes, as far as it switches between ASCII and JIS X
+// 0208.
+//
+// As in the kernels of Shift_JIS and EUC-JP, every byte becomes the cell of a character that would
+// begin there, and bit operations find out which ones do: escape sequences turn the bits between
+// them on and off; of what is on, every second byte begins a pair.
+#include "platform/text/wide_kernels.h"
+
+#if defined(__x86_64__)
+#include "platform/text/wide_vectors.h"
+
+#include <array>
+
+namespace zelmora::platform {
+namespace {
+
+constexpr int kLongest = 2; ///< bytes of an escape sequence or a character behind its first one
+
+/// A bit for each byte of a window.
+struct Window {
+    uint64_t _escapes = 0;  ///< ESC
+    uint64_t _toDouble = 0; ///< ESC of a sequence that switches to JIS X 0208
+    uint64_t _toASCII = 0;  ///< ESC of one that switches to ASCII
+    uint64_t _graphics = 0; ///< neither a control character nor the space
+    uint64_t _strange = 0;  ///< SO, SI and what has the high bit
+
+    ZELMORA_WIDE_PART void classify(const Octet* in, int shift);
+
+    uint64_t unordinary() const { return _escapes | _strange; }
+    bool isReadable() const { return _escapes == (_toDouble | _toASCII) && _strange == 0; }
+};
+
+ZELMORA_WIDE_PART void Window::classify(const Octet* in, int shift) {
+    const __m256i first = load(in);
+    const __m256i second = load(in + 1);
+    const __m256i third = load(in + 2);
+    const __m256i escapes = _mm256_cmpeq_epi8(first, bytesOf(0x1B));
+    const __m256i letterB = _mm256_cmpeq_epi8(third, bytesOf('B'));
+    const __m256i atOrB = _mm256_or_si256(letterB, _mm256_cmpeq_epi8(third, bytesOf('@')));
+    const __m256i dollars = _mm256_and_si256(_mm256_cmpeq_epi8(second, bytesOf('$')), atOrB);
+    const __m256i parentheses = _mm256_and_si256(_mm256_cmpeq_epi8(second, bytesOf('(')), letterB);
+    const __m256i shifts = _mm256_cmpeq_epi8(_mm256_and_si256(first, bytesOf(0xFE)), bytesOf(0x0E));
+    _escapes |= highBits(escapes) << shift;
+    _toDouble |= highBits(_mm256_and_si256(escapes, dollars)) << shift;
+    _toASCII |= highBits(_mm256_and_si256(escapes, parentheses)) << shift;
+    _graphics |= highBits(_mm256_cmpgt_epi8(first, bytesOf(0x20))) << shift;
+    _strange |= highBits(_mm256_or_si256(first, shifts)) << shift;
+}
+
+/// FF for every bit that is set.
+ZELMORA_WIDE_PART __m256i bytesOfBits(uint32_t bits) {
+    const __m256i eachByte =
+        _mm256_setr_epi64x(0, 0x0101'0101'0101'0101, 0x0202'0202'0202'0202, 0x0303'0303'0303'0303);
+    const __m256i eachBit = _mm256_set1_epi64x(static_cast<int64_t>(0x8040'2010'0804'0201));
+    const __m256i spread = _mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(bits)), eachByte);
+    return _mm256_cmpeq_epi8(_mm256_and_si256(spread, eachBit), eachBit);
+}
+
+/// Writes the cells of the characters that would begin at each of 32 bytes: of pairs where `pairs`.
+ZELMORA_WIDE_PART void findCells(const Octet* in, uint32_t pairs, uint16_t* cells) {
+    const __m256i isPair = bytesOfBits(pairs);
+    const __m256i first = load(in);
+    const __m256i second = _mm256_or_si256(load(in + 1), bytesOf(0x80));
+    storeJoined(_mm256_blendv_epi8(first, second, isPair),
+                _mm256_blendv_epi8(bytesOf(JISTable::kASCII), first, isPair), cells);
+}
+
+} // namespace
+
+ZELMORA_WIDE void decodeISO2022JPWindows(bool& isDouble, const Octet*& source, const Octet* stop,
+                                         char16_t*& target) {
+    alignas(kHalf) std::array<uint16_t, kWindow + 1> cells;
+    cells.back() = JISTable::kASCII << 8; // what a mask without bits points to: no error
+    const char16_t* const table = kJISTable._planes[0];
+    uint64_t on = isDouble ? 1 : 0;
+    const Octet* in = source;
+    char16_t* out = target;
+    while (stop - in >= kWindow + kLongest) {
+        Window window;
+        window.classify(in, 0);
+        window.classify(in + kHalf, kHalf);
+        if (on == 0 && window.unordinary() == 0) {
+            widen(load(in), out);
+            widen(load(in + kHalf), out + kHalf);
+            in += kWindow;
+            out += kWindow;
+            continue;
+        }
+        if (!window.isReadable())
+            break;
+        // A switch to ASCII adds a power of two, which carries through all that is on from there;
+        // one to JIS X 0208 takes one away, which borrows from all that is off.
+        const uint64_t doubles = window._toASCII - window._toDouble - on;
+        const uint64_t sequences = window._escapes | window._escapes << 1 | window._escapes << 2;
+        const uint64_t canBegin = doubles & window._graphics & ~sequences;
+        const uint64_t seconds = secondBytes(canBegin);
+        // What does not end in this window is left to the next one.
+        constexpr uint64_t kLastByte = uint64_t{1} << 63;
+        const uint64_t cutOff =
+            (canBegin & ~seconds & kLastByte) | (window._escapes & (kLastByte | kLastByte >> 1));
+        const int length = std::countr_zero(cutOff);
+        uint64_t starts = ~(seconds | sequences) & (cutOff - 1);
+        const int count = std::popcount(starts);
+        findCells(in, static_cast<uint32_t>(canBegin), cells.data());
+        findCells(in + kHalf, static_cast<uint32_t>(canBegin >> kHalf), cells.data() + kHalf);
+        if (!lookUp(table, cells.data(), starts, count, out))
+            break;
+        in += length;
+        out += count;
+        on = doubles >> (length - 1) & 1;
+    }
+    isDouble = on != 0;
+    source = in;
+    target = out;
+}
+
+} // namespace zelmora::platform
+
+#else
+
+namespace zelmora::platform {
+
+void decodeISO2022JPWindows(bool&, const Octet*&, const Octet*, char16_t*&) {}
+
+} // namespace zelmora::platform
+#endif
