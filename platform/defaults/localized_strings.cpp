@@ -4,6 +4,7 @@
 #include "platform/text/unicode_codecs.h"
 #include "platform/text/utf8.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <optional>
@@ -98,16 +99,19 @@ class Parser {
         if (_position == _text.size() || _text[_position] != '"')
             return fail("a quoted string expected");
         ++_position;
-        while (_position < _text.size()) {
-            const char c = _text[_position++];
-            if (c == '"')
+        for (;;) {
+            const std::string_view rest = _text.substr(_position);
+            const auto end =
+                std::ranges::find_if(rest, [](char c) { return c == '"' || c == '\\'; });
+            into.append(rest.begin(), end);
+            if (end == rest.end())
+                return fail("this string has no end");
+            _position += static_cast<size_t>(end - rest.begin()) + 1;
+            if (*end == '"')
                 return true;
-            if (c != '\\')
-                into += c;
-            else if (!escape(into))
+            if (!escape(into))
                 return fail("an escape other than \\\" \\\\ \\n \\t \\UXXXX");
         }
-        return fail("this string has no end");
     }
 
     bool escape(std::string& into) {
