@@ -95,7 +95,7 @@ void MessageListWindow::add(const std::string& message, const std::string& infor
     if (!information.empty())
         new QTreeWidgetItem(&group, {QString::fromStdString(information)});
     ++_count;
-    update();
+    showMessages();
 }
 
 QTreeWidgetItem& MessageListWindow::heading(const QString& message) {
@@ -109,15 +109,16 @@ QTreeWidgetItem& MessageListWindow::heading(const QString& message) {
     return *item;
 }
 
-void MessageListWindow::update() {
+void MessageListWindow::showMessages() {
     const auto* first = _list->topLevelItem(0);
     const auto* firstDetail = first ? first->child(0) : nullptr;
     const bool isList = _count > 1;
     _message->setText(isList  ? tr("MessageListCount").replace("%u", QString::number(_count))
                       : first ? first->text(0)
                               : QString());
-    _information->setText(firstDetail ? withBreaks(firstDetail->text(0)) : QString());
-    _information->setVisible(!isList && firstDetail);
+    const bool hasInformation = !isList && firstDetail;
+    _information->setText(hasInformation ? withBreaks(firstDetail->text(0)) : QString());
+    _information->setVisible(hasInformation);
     const bool becomesList = isList && !_list->isVisibleTo(this);
     _list->setVisible(isList);
     if (becomesList)
@@ -146,7 +147,7 @@ void MessageListWindow::done(int result) {
     hide();
     _list->clear();
     _count = 0;
-    update();
+    showMessages();
     QDialog::done(result);
 }
 

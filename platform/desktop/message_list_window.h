@@ -31,7 +31,7 @@ class MessageListWindow final : public QDialog {
   private:
     void makeContents();
     QTreeWidgetItem& heading(const QString& message);
-    void update();
+    void showMessages();
 
     int _count = 0;
     QLabel* _message; ///< the controls are the window's own children
