@@ -98,8 +98,14 @@ std::string BackupManager::numberedPath(const std::string& srcPath,
 
 platform::Status BackupManager::copy(const std::string& srcPath, const std::string& dstPath,
                                      const std::string& dstDirectory) {
-    if (!MakeDirectoryPath(_services.files, dstDirectory))
-        return platform::Error::fromErrno(ENOTDIR, dstDirectory, "backup folder");
+    if (!MakeDirectoryPath(_services.files, dstDirectory)) {
+        // Asked again for the reason alone; a name that something else has is the common one.
+        auto made = _services.files.createDirectoryAtPath(dstDirectory);
+        if (!made.ok() && made.error().code == EEXIST)
+            return platform::Error::fromErrno(ENOTDIR, dstDirectory, "backup folder");
+        if (!made.ok())
+            return made;
+    }
     return _services.files.copyItemAtPath(srcPath, dstPath);
 }
 

@@ -95,11 +95,12 @@ class FileManager {
     virtual Result<Bytes> contentsAtPath(const std::string& path) = 0;
 
     /// Makes a new file at `path` holding `contents`, with the permissions a new file gets. The
-    /// bytes are on disk (fdatasync) when it succeeds. They are written to a file without a name,
-    /// which then takes it; so `path` holds all of them or does not exist, and a process killed on
-    /// the way leaves nothing. (Where the file system has no such files, to a scratch file in the
-    /// same folder, ".zlm" and digits.) A name that is taken, by a dangling link too, is an error
-    /// (EEXIST) and stays as it was. On failure no scratch file remains.
+    /// bytes are on disk (fdatasync) when it succeeds, and so is the name (fsync of its folder).
+    /// They are written to a file without a name, which then takes it; so `path` holds all of them
+    /// or does not exist, and a process killed on the way leaves nothing. (Where the file system
+    /// has no such files, to a scratch file in the same folder, ".zlm" and digits.) A name that is
+    /// taken, by a dangling link too, is an error (EEXIST) and stays as it was. On failure no
+    /// scratch file remains.
     virtual Status createFileAtPath(const std::string& path, ByteView contents) = 0;
 
     /// The same for contents that are made piece by piece. Never null: a failure is the new file's,
@@ -117,8 +118,9 @@ class FileManager {
     /// or EINVAL when it is not a regular file, ENOSPC when only a part could be added.
     virtual Status appendToFileAtPath(const std::string& path, ByteView contents) = 0;
 
-    /// Makes a folder, and the missing folders above it, with default permissions. A folder that
-    /// exists (links followed) is a success; anything else that has the name is EEXIST.
+    /// Makes a folder, and the missing folders above it, with default permissions; the names of all
+    /// of them are on disk when it succeeds. A folder that exists (links followed) is a success;
+    /// anything else that has the name is EEXIST.
     virtual Status createDirectoryAtPath(const std::string& path) = 0;
 
     /// Sets both HFS codes. Two zero codes on an item without the attribute do nothing and
@@ -144,7 +146,8 @@ class FileManager {
     /// attributes where the process may set them. `toPath` must be free (EEXIST) and must not lie
     /// inside the folder being copied (EINVAL). The copy is made under a scratch name beside
     /// `toPath` and takes that name when it is complete and on disk, so a copy that failed half-way
-    /// never looks whole; on failure the scratch copy is deleted. A FIFO, socket or device is made
+    /// never looks whole; then the name is brought to the disk. On failure before that the scratch
+    /// copy is deleted. A FIFO, socket or device is made
     /// anew, never opened; for a device that takes the superuser (EPERM). A file that grows
     /// meanwhile is copied up to its first length; one that shrinks fails the copy (EAGAIN). The
     /// error names the item that failed.

@@ -75,6 +75,19 @@ int Location::status(struct stat& result, int flags) const {
     return errnoUnless(::fstatat(folder(), _name, &result, flags));
 }
 
+int Location::syncParent() const {
+    const FileDescriptor parentFolder = openAt(folder(), parent().c_str(), O_RDONLY | O_DIRECTORY);
+    if (!parentFolder.isOpen()) {
+        if (errno != EACCES) {
+            return errno;
+        }
+        ::sync(); // a folder that may be written but not read: rare, and the others' writes too
+        return 0;
+    }
+    const int code = errnoUnless(resumed([&] { return ::fsync(parentFolder.get()); }));
+    return code == EINVAL ? 0 : code; // not on this file system
+}
+
 int statusAtPath(const std::string& path, struct stat& result, int flags) {
     const Location at(path);
     return at.error() != 0 ? at.error() : at.status(result, flags);

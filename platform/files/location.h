@@ -35,6 +35,10 @@ class Location {
     /// fstatat with AT_SYMLINK_NOFOLLOW or 0; answers 0 or an errno.
     int status(struct stat& result, int flags) const;
 
+    /// Waits until the names given and taken away in the item's folder so far are on disk, so that
+    /// they outlive a power cut. Answers 0 or an errno.
+    int syncParent() const;
+
   private:
     int openFolder(const std::string& path);
 

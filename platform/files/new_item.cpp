@@ -142,15 +142,25 @@ int nameUnnamedFile(int file, const Location& target) {
 }
 
 int createFile(const Location& target, mode_t mode, const FileFiller& fill) {
-    const int code = createUnnamedFile(target, mode, fill);
-    if (code == 0 || code == EEXIST) {
-        return code;
+    int code = createUnnamedFile(target, mode, fill);
+    if (code != 0 && code != EEXIST) {
+        // Not every file system has unnamed files, and not every process may name them. If it was
+        // something else that failed, it fails again.
+        ScratchItem scratch(target);
+        code = makeScratchFile(scratch, mode, fill);
+        if (code == 0) {
+            code = scratch.takeTargetName();
+        }
     }
-    // Not every file system has unnamed files, and not every process may name them. If it was
-    // something else that failed, it fails again.
-    ScratchItem scratch(target);
-    const int scratchCode = makeScratchFile(scratch, mode, fill);
-    return scratchCode != 0 ? scratchCode : scratch.takeTargetName();
+    return code != 0 ? code : keepName(target);
+}
+
+int keepName(const Location& target) {
+    const int code = target.syncParent();
+    if (code != 0) {
+        ::unlinkat(target.folder(), target.name(), 0); // ours, and of no use
+    }
+    return code;
 }
 
 int makeScratchFile(ScratchItem& scratch, mode_t mode, const FileFiller& fill) {

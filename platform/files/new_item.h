@@ -53,6 +53,10 @@ FileDescriptor openUnnamedFile(const Location& target, mode_t mode);
 /// Gives the unnamed file its target's name. Answers 0 or an errno: EEXIST when it is taken.
 int nameUnnamedFile(int file, const Location& target);
 
+/// Brings the name that a new file has just got to the disk, so that it outlives a power cut, or
+/// deletes the file. Answers 0 or an errno.
+int keepName(const Location& target);
+
 /// Makes the file `target` with the contents that `fill` writes and the permissions `mode`, less
 /// those that the process withholds. EEXIST when the name is taken. `fill` may be called twice,
 /// with an empty file each time.

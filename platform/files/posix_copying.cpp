@@ -206,13 +206,19 @@ int copySingleFile(const Location& source, const Location& target) {
     });
 }
 
+/// The copy is there and on disk; its name has to be too, before its source is changed.
+int takeTargetNameForGood(ScratchItem& scratch, const Location& target) {
+    const int code = scratch.takeTargetName();
+    return code != 0 ? code : target.syncParent();
+}
+
 /// A link, or what copyNode copies.
 int copySingleItem(decltype(copyLink) copy, const Location& source, const Location& target) {
     ScratchItem scratch(target);
     const int code = scratch.make([&](int folder, const char* name) {
         return copy(source.folder(), source.name(), folder, name);
     });
-    return code != 0 ? code : scratch.takeTargetName();
+    return code != 0 ? code : takeTargetNameForGood(scratch, target);
 }
 
 int copyFolder(const struct stat& status, const Location& source, const Location& target,
@@ -231,7 +237,7 @@ int copyFolder(const struct stat& status, const Location& source, const Location
         failedAt = folderCopy.position();
         return code;
     }
-    return scratch.takeTargetName();
+    return takeTargetNameForGood(scratch, target);
 }
 
 int copyItem(const Location& source, const Location& target, std::string& failedAt) {

@@ -62,6 +62,9 @@ Status PosixNewFile::finish() {
     if (_code == 0) {
         _code = syncAndName();
     }
+    if (_code == 0) {
+        _code = keepName(_target);
+    }
     return statusOf(_code, _path, "create");
 }
 

@@ -94,8 +94,11 @@ int makeFolder(const std::string& path) {
         return at.error();
     }
     const int code = errnoUnless(::mkdirat(at.folder(), at.name(), kNewFolderMode));
+    if (code == 0) {
+        return at.syncParent();
+    }
     struct stat status = {};
-    return code != 0 && at.status(status, 0) == 0 && S_ISDIR(status.st_mode) ? 0 : code;
+    return at.status(status, 0) == 0 && S_ISDIR(status.st_mode) ? 0 : code;
 }
 
 } // namespace

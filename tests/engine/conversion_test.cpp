@@ -6,7 +6,6 @@
 #include "textutil/text_utility_private.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <random>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -215,51 +214,6 @@ TEST_F(ConversionTest, LogLineIsWrittenBeforeTheAlertAndOnlyWhenAskedFor) {
     EXPECT_EQ(userInterface.alerts.size(), 1U);
     mainLoop.mainQueue().drain();
     EXPECT_EQ(userInterface.alerts.size(), 2U);
-}
-
-/// Every operation of a conversion fails in its turn. What is left is always one whole text, and
-/// exactly the failures are reported.
-TEST_F(ConversionTest, AnyFailingOperationLeavesAWholeFile) {
-    const std::string before = "\x95\x5c" + std::string(600'000, '\r');
-    const std::string after = "\xe8\xa1\xa8" + std::string(600'000, '\n');
-    defaults.setBool(true, settings::createLogFile);
-    set(settings::lineBreakCode, 1);
-    bool wasReached = true;
-    for (size_t ordinal = 1; wasReached; ++ordinal) {
-        const TemporaryDirectory place;
-        defaults.setObject(place / "log", settings::logFilePath);
-        const auto path = place.writeFile("a.txt", before);
-        FaultyFileManager faulty(platform::FileManager::defaultManager());
-        faulty.failOperation(ordinal, EIO);
-        RecordingUserInterface shown;
-        ZelDocumentController job({defaults, faulty, strings, mainLoop, shown});
-        job.doConvertProcess(path);
-        mainLoop.mainQueue().drain();
-        std::remove((place / "log").c_str());
-
-        const auto operations = faulty.operations();
-        wasReached = operations.size() >= ordinal;
-        const auto failed = wasReached ? operations[ordinal - 1].name : "nothing";
-        const bool isLog = wasReached && operations[ordinal - 1].path == place / "log";
-        const bool isConverted = !wasReached || isLog;
-        EXPECT_EQ(shown.alerts.size(), isConverted ? 0U : 1U) << failed;
-        EXPECT_EQ(job.failedCount(), shown.alerts.size()) << failed;
-        if (isConverted) {
-            EXPECT_EQ(place.items(), Items{"a.txt"}) << failed;
-            EXPECT_TRUE(readFile(path) == after) << failed;
-        } else if (failed == "moveItemAtPath") {
-            EXPECT_EQ(place.items(), Items{"a#0.txt"});
-            EXPECT_TRUE(readFile(place / "a#0.txt") == after);
-        } else {
-            EXPECT_TRUE(readFile(path) == before) << failed;
-            // The converted text may stay beside the source once it has been written whole.
-            if (place.items() != Items{"a.txt"}) {
-                EXPECT_EQ(place.items(), (Items{"a#0.txt", "a.txt"})) << failed;
-                EXPECT_TRUE(readFile(place / "a#0.txt") == after) << failed;
-            }
-        }
-        ASSERT_LT(ordinal, 100U);
-    }
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "child_process.h"
 #include "files_test_case.h"
-#include "tests/support/faulty_file_manager.h"
 
 #include <cerrno>
 #include <climits>
@@ -99,26 +98,6 @@ TEST_F(LongPaths, AWalkWhoseWayBackIsGoneFails) {
             return true;
         });
     EXPECT_EQ(codeOf(status), ESTALE);
-}
-
-TEST_F(LongPaths, AFaultyManagerFailsWhatItIsToldAndRemembersAll) {
-    test::FaultyFileManager faulty(_files);
-    faulty.failOperation(2, ENOSPC);
-    const std::string path = _folder / "file";
-    EXPECT_EQ(codeOf(faulty.createFileAtPath(path, bytesOf("1"))), 0);
-    EXPECT_EQ(codeOf(faulty.appendToFileAtPath(path, bytesOf("2"))), ENOSPC);
-    EXPECT_EQ(codeOf(faulty.appendToFileAtPath(path, bytesOf("3"))), 0);
-    faulty.failEvery("contentsAtPath", EIO);
-    EXPECT_EQ(contentsOf(faulty, path), "<" + std::to_string(EIO) + ">");
-    faulty.failEvery("contentsAtPath", 0);
-    EXPECT_EQ(contentsOf(faulty, path), "13");
-    EXPECT_TRUE(faulty.fileExistsAtPath(path));
-    const std::vector<test::FaultyFileManager::Operation> expected = {{"createFileAtPath", path},
-                                                                      {"appendToFileAtPath", path},
-                                                                      {"appendToFileAtPath", path},
-                                                                      {"contentsAtPath", path},
-                                                                      {"contentsAtPath", path}};
-    EXPECT_EQ(faulty.operations(), expected);
 }
 
 } // namespace

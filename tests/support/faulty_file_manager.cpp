@@ -36,11 +36,6 @@ class FaultyFileManager::FaultyNewFile final : public NewFile {
     std::unique_ptr<NewFile> _target;
 };
 
-void FaultyFileManager::failOperation(size_t ordinal, int code) {
-    const std::scoped_lock lock(_mutex);
-    _codeOfOrdinal[ordinal] = code;
-}
-
 void FaultyFileManager::failEvery(const std::string& name, int code) {
     const std::scoped_lock lock(_mutex);
     _codeOfName[name] = code;
@@ -56,10 +51,6 @@ int FaultyFileManager::begin(const char* name, const std::string& path) {
         _hook({name, path});
     const std::scoped_lock lock(_mutex);
     _operations.push_back({name, path});
-    const auto byOrdinal = _codeOfOrdinal.find(_operations.size());
-    if (byOrdinal != _codeOfOrdinal.end()) {
-        return byOrdinal->second;
-    }
     const auto byName = _codeOfName.find(name);
     return byName != _codeOfName.end() ? byName->second : 0;
 }

@@ -3,7 +3,6 @@
 
 #include "platform/files/file_manager.h"
 
-#include <cstddef>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -27,8 +26,6 @@ class FaultyFileManager final : public platform::FileManager {
 
     explicit FaultyFileManager(platform::FileManager& target) : _target(target) {}
 
-    /// The `ordinal`-th operation from the start, 1 being the first, fails with this errno.
-    void failOperation(size_t ordinal, int code);
     /// Every operation of this name fails with this errno, from now on; with 0 it works again.
     void failEvery(const std::string& name, int code);
 
@@ -85,7 +82,6 @@ class FaultyFileManager final : public platform::FileManager {
     std::function<void(const Operation&)> _hook;
     mutable std::mutex _mutex; ///< guards what follows
     std::vector<Operation> _operations;
-    std::map<size_t, int> _codeOfOrdinal;
     std::map<std::string, int> _codeOfName;
 };
 
