@@ -5,28 +5,16 @@
 """
 
 import os
-import plistlib
 import signal
 import subprocess
 import time
 
 import console_case
-
-KANJI, UTF8 = "表示\n".encode("cp932"), "表示\n".encode()
-
-
-def until(condition):
-    """Waits for what other processes do; says whether it came."""
-    end = time.monotonic() + 30
-    while not condition():
-        if time.monotonic() > end:
-            return False
-        time.sleep(0.02)
-    return True
+from desktop_case import KANJI, UTF8, DesktopCase, until
 
 
-class SecondStartTest(console_case.ConsoleCase):
-    """Each test has a session bus of its own, and a user without a display."""
+class SecondStartTest(DesktopCase):
+    """Each test has a session bus of its own."""
 
     def setUp(self):
         super().setUp()
@@ -35,26 +23,6 @@ class SecondStartTest(console_case.ConsoleCase):
                              "--address=" + self.bus], stdout=subprocess.PIPE)
         daemon.stdout.readline()  # it listens
         daemon.stdout.close()
-        self.settings()
-
-    def settings(self, **values):
-        """The saved settings: no backup, no question about the manual, and these."""
-        os.makedirs(os.path.dirname(self.saved_settings), exist_ok=True)
-        with open(self.saved_settings, "wb") as file:
-            plistlib.dump({"autoBackup": False, "displayManualAlert": True, **values}, file)
-
-    def environment(self, language="C"):
-        return {**super().environment(language), "QT_QPA_PLATFORM": "offscreen",
-                "DBUS_SESSION_BUS_ADDRESS": self.bus}
-
-    def start(self, command, **options):
-        process = subprocess.Popen(command, cwd=self.folder, stderr=subprocess.DEVNULL, **options)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
-        return process
-
-    def zelmora(self, *arguments):
-        return self.start(self.command(*arguments), env=self.environment())
 
     def first(self, *arguments):
         process = self.zelmora(*arguments)
@@ -71,13 +39,6 @@ class SecondStartTest(console_case.ConsoleCase):
     def request(self, method, *arguments):
         return self.call("org.zelmora.Zelmora", "/org/zelmora/Zelmora",
                          "org.freedesktop.Application." + method, *arguments)
-
-    def assert_ends(self, process, status=0):
-        self.assertEqual(process.wait(timeout=60), status)
-
-    def assert_converted(self, *names):
-        for name in names:
-            self.assertTrue(until(lambda: self.read(name) == UTF8), name)
 
     def test_a_second_start_hands_its_paths_over(self):
         first = self.first()
