@@ -16,11 +16,17 @@ namespace {
 // their turn: progress and its drawing must not stay away while a large file is converted.
 constexpr int kLongestWaitMilliseconds = 50;
 
+/// Without those that the process was started to ignore, as nohup does: once blocked they would be
+/// kept and read all the same.
 sigset_t stoppingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&signals, signal);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action {};
+        sigaction(signal, nullptr, &action);
+        if (action.sa_handler != SIG_IGN)
+            sigaddset(&signals, signal);
+    }
     return signals;
 }
 

@@ -9,10 +9,10 @@
 namespace zelmora::platform {
 
 /// Waits for blocks on the main queue and for the signals by which a user or the system asks the
-/// program to stop; never longer than 50 ms before its observers get another turn. These signals
-/// are blocked from the loop's construction on, in this thread and in every thread started later,
-/// so make the loop before any thread; they are delivered by the loop, never in the middle of other
-/// work.
+/// program to stop, but for those it was started to ignore; never longer than 50 ms before its
+/// observers get another turn. These signals are blocked from the loop's construction on, in this
+/// thread and in every thread started later, so make the loop before any thread; they are delivered
+/// by the loop, never in the middle of other work.
 class TerminalRunLoop : public RunLoop {
   public:
     TerminalRunLoop();

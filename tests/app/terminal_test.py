@@ -127,5 +127,12 @@ class TerminalTest(console_case.ConsoleCase):
                 self.assertEqual(terminal.wait(), 128 + number)
                 self.assert_only_file_in_hand_is_converted()
 
+    def test_a_closed_terminal_is_nothing_to_who_was_started_to_ignore_it(self):
+        signal.signal(signal.SIGHUP, signal.SIG_IGN)  # as nohup does; the child inherits it
+        self.addCleanup(signal.signal, signal.SIGHUP, signal.SIG_DFL)
+        terminal = self.start_with_large_file_in_hand()
+        terminal.process.send_signal(signal.SIGHUP)
+        self.assertEqual(terminal.wait(), 0)
+
 
 console_case.main()
