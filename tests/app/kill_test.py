@@ -1,13 +1,17 @@
 #!/usr/bin/python3
-"""Kills zelmora-convert at random moments of a batch and looks for what is lost.
+"""Kills both programs at random moments of a batch and looks for what is lost.
 
-    kill_test.py PROGRAM [ROUNDS]
+    kill_test.py CONVERT DESKTOP [ROUNDS]
 
 After each kill every source must stand under its name, whole, as it was or converted, or be whole
-and converted under its temporary name. $ZELMORA_KILL_ROUNDS is the default for ROUNDS, 100 without.
+and converted under its temporary name. A copy that has its name in the backup folder must be whole.
+Every fourth round is the desktop program's, which runs without a screen. 200 ROUNDS unless told
+otherwise. $ZELMORA_KILL_DIR is where the files are, a temporary folder without it; it should be on
+a disk.
 """
 
 import os
+import plistlib
 import random
 import re
 import shutil
@@ -56,13 +60,17 @@ def problems_in(folder, scratch_allowed):
 
 
 class Batch:
-    """One folder of sources, made anew for each round."""
+    """One folder of sources, made anew for each round, and the program that converts it."""
 
     def __init__(self, program, top):
-        self.command = [program, "--quiet", "--encoding", "utf-8"]
-        self.environment = {"HOME": top, "XDG_CONFIG_HOME": top, "LC_ALL": "C"}
+        os.mkdir(top)
         self.folder = os.path.join(top, "files")
         self.backup = os.path.join(top, "backup")
+        self.settings = os.path.join(top, "zelmora", "zelmora.plist")
+        self.command = [program, self.folder]
+        self.environment = {"HOME": top, "XDG_CONFIG_HOME": top, "XDG_RUNTIME_DIR": top,
+                            "LC_ALL": "C", "QT_QPA_PLATFORM": "offscreen"}
+        self.duration = self.time_taken()
 
     def make(self):
         shutil.rmtree(self.folder, ignore_errors=True)
@@ -73,11 +81,13 @@ class Batch:
                 file.write(contents)
 
     def start(self, with_backup):
-        options = ["--backup", self.backup] if with_backup else ["--no-backup"]
-        return subprocess.Popen(self.command + options + [self.folder], env=self.environment,
-                                stderr=subprocess.DEVNULL)
+        os.makedirs(os.path.dirname(self.settings), exist_ok=True)
+        with open(self.settings, "wb") as file:
+            plistlib.dump({"encodingCode": 4, "autoBackup": with_backup, "backupDataDir": self.backup,
+                           "autoQuit": True, "displayManualAlert": True}, file)
+        return subprocess.Popen(self.command, env=self.environment, stderr=subprocess.DEVNULL)
 
-    def duration(self):
+    def time_taken(self):
         self.make()
         start = time.monotonic()
         status = self.start(True).wait()
@@ -85,31 +95,47 @@ class Batch:
         return time.monotonic() - start
 
 
+def problems_in_backup(backup):
+    copy = os.path.join(backup, "files")
+    if not os.path.isdir(copy):
+        return []
+    found = {}
+    for name in os.listdir(copy):
+        with open(os.path.join(copy, name), "rb") as file:
+            found[name] = file.read()
+    return [] if found == OLD else ["the backup is not whole"]
+
+
 def main():
-    program = os.path.abspath(sys.argv[1])
-    rounds = int(sys.argv[2] if len(sys.argv) > 2 else os.environ.get("ZELMORA_KILL_ROUNDS", 100))
-    top = tempfile.mkdtemp(prefix="zelmora-kill-")
+    programs = [os.path.abspath(each) for each in sys.argv[1:3]]
+    rounds = int(sys.argv[3]) if len(sys.argv) > 3 else 200
+    top = tempfile.mkdtemp(prefix="zelmora-kill-", dir=os.environ.get("ZELMORA_KILL_DIR"))
+    seed = random.randrange(1 << 32)
+    moments = random.Random(seed)
     failures = midway = 0
     try:
-        batch = Batch(program, top)
-        duration = batch.duration()
+        console, desktop = (Batch(program, os.path.join(top, str(number)))
+                            for number, program in enumerate(programs))
         scratch_allowed = not leaves_nothing_unnamed(top)
         for number in range(rounds):
+            batch = desktop if number % 4 == 3 else console
             batch.make()
-            process = batch.start(with_backup=number % 2 == 0)
-            time.sleep(random.Random(number).uniform(0, duration))
+            process = batch.start(with_backup=moments.random() < 0.5)
+            time.sleep(moments.uniform(0, batch.duration))
             process.kill()
             process.wait()
             problems, converted = problems_in(batch.folder, scratch_allowed)
+            problems += problems_in_backup(batch.backup)
             midway += 0 < converted < len(OLD)
             # How fast the disk is changes under us.
-            duration *= 0.95 if converted == len(OLD) else 1.02
+            batch.duration *= 0.95 if converted == len(OLD) else 1.02
             failures += len(problems)
             for problem in problems:
                 print(f"round {number}: {problem}")
     finally:
         shutil.rmtree(top)
-    print(f"{rounds} rounds, {midway} of them in the middle of the conversions, {failures} problems")
+    print(f"{rounds} rounds from seed {seed}, {midway} of them in the middle of the conversions, "
+          f"{failures} problems")
     # Kills that come too early or too late every time would prove nothing.
     sys.exit(1 if failures or midway * 10 < rounds else 0)
 
