@@ -79,11 +79,16 @@ void ZelAppController::openManual() {
 }
 
 void ZelAppController::openSupportSite() {
-    _services.workspace.openURL(std::string(supportSite));
+    openPage(std::string(supportSite));
 }
 
 void ZelAppController::openContactPage() {
-    _services.workspace.openURL(std::string(supportSite) + "/contact.php");
+    openPage(std::string(supportSite) + "/contact.php");
+}
+
+void ZelAppController::openPage(const std::string& url) {
+    if (!_services.workspace.openURL(url))
+        alert("FailedOpenPage", url);
 }
 
 void ZelAppController::showManualAlert() {
@@ -101,8 +106,9 @@ void ZelAppController::showManualAlert() {
         openManual();
 }
 
-void ZelAppController::alert(std::string_view key) {
-    _services.engine.userInterface.runModal({_services.engine.strings.stringForKey(key), ""});
+void ZelAppController::alert(std::string_view key, const std::string& information) {
+    _services.engine.userInterface.runModal(
+        {_services.engine.strings.stringForKey(key), information});
 }
 
 } // namespace zelmora

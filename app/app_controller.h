@@ -68,7 +68,8 @@ class ZelAppController : public platform::ApplicationDelegate {
 
   private:
     void openBatch(const std::vector<std::string>& paths);
-    void alert(std::string_view key);
+    void openPage(const std::string& url);
+    void alert(std::string_view key, const std::string& information = {});
 
     AppServices _services;
     std::unique_ptr<ZelDocumentController> _documentController;
