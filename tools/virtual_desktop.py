@@ -58,8 +58,10 @@ def write_png(path, width, height, bgrx):
 class VirtualDesktop:
     """A context manager; at its end every program started on the desktop is gone."""
 
-    def __init__(self, width=1024, height=768):
-        self.top = tempfile.mkdtemp(prefix="zelmora-desktop-")
+    def __init__(self, width=1024, height=768, folder=None):
+        """`folder` is a new one to live in; without it one of a name nobody has is taken."""
+        self.top = folder or tempfile.mkdtemp(prefix="zelmora-desktop-")
+        os.makedirs(self.top, exist_ok=folder is None)
         self.home = self.folder("home")
         self._size = f"{width}x{height}x24"
         self._server = None
@@ -141,12 +143,12 @@ class VirtualDesktop:
                 pass  # closed since
         return titles
 
-    def wait_for_window(self, title, but=()):
-        """The open window of that title that is none of `but`, once it has the keyboard."""
+    def wait_for_window(self, title=None, but=()):
+        """The open window of that title, or any, that is none of `but`; once it has the focus."""
         def find():
+            active = self._property(self._root, "_NET_ACTIVE_WINDOW")
             for window, its_title in self.windows().items():
-                if its_title == title and window not in but:
-                    active = self._property(self._root, "_NET_ACTIVE_WINDOW")
+                if window not in but and title in (None, its_title):
                     return window if active and active[0] == window.id else None
             return None
         return wait_until(find, lambda: f"{title!r}; open are {list(self.windows().values())}")
@@ -211,7 +213,20 @@ class VirtualDesktop:
 
     # Pictures.
 
-    def save_picture(self, path, x, y, width, height):
-        """Writes a part of the screen as a PNG file."""
+    def picture(self, window):
+        """What the screen shows of the window and its frame: width, height, pixels."""
+        x, y, width, height = self.area(window, with_frame=True)
         image = self._root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF)
-        write_png(path, width, height, image.data)
+        return width, height, image.data
+
+    def still_picture(self, window):
+        """The picture, once the window has been drawn and shows nothing new."""
+        pictures = [None]
+
+        def is_still():
+            time.sleep(0.3)
+            pictures.append(self.picture(window))
+            pixels = memoryview(pictures[-1][2]).cast("I")
+            return pictures[-1] == pictures[-2] and len(set(pixels)) > 8
+        wait_until(is_still, "a window to stand still")
+        return pictures[-1]

@@ -2,6 +2,7 @@
 
 #include "platform/events/notification_center.h"
 
+#include <QIcon>
 #include <QLibraryInfo>
 
 namespace zelmora::platform {
@@ -11,6 +12,8 @@ DesktopApplication::DesktopApplication(int& argumentCount, char** arguments)
     QApplication::setApplicationName("zelmora");
     QApplication::setApplicationDisplayName("Zelmora");
     QApplication::setDesktopFileName("org.zelmora.Zelmora");
+    // Not every window manager finds it by the desktop file.
+    QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName()));
     // The end is the delegate's to decide, not the last window's.
     QApplication::setQuitOnLastWindowClosed(false);
 }

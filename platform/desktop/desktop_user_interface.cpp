@@ -18,6 +18,8 @@ namespace zelmora::platform {
 
 namespace {
 
+constexpr int kInformationColumns = 70; ///< at which the second text of a question is broken
+
 /// Sets both texts as they are: a file name that looks like HTML is none.
 void setTexts(QMessageBox& box, const std::string& message, const std::string& information) {
     box.setTextFormat(Qt::PlainText);
@@ -25,6 +27,12 @@ void setTexts(QMessageBox& box, const std::string& message, const std::string& i
     box.setInformativeText(QString::fromStdString(information));
     for (auto* label : box.findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
+    // Left alone, Qt makes the second text as narrow as the first.
+    if (auto* label = box.findChild<QLabel*>("qt_msgbox_informativelabel")) {
+        const QFontMetrics metrics = label->fontMetrics();
+        label->setMinimumWidth(std::min(metrics.size(0, label->text()).width(),
+                                        kInformationColumns * metrics.averageCharWidth()));
+    }
 }
 
 /// Refuses what a window manager asks for by a key or a menu of its own.

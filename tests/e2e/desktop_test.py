@@ -14,7 +14,8 @@ sys.path.insert(0, TOOLS)
 
 from virtual_desktop import DEADLINE, VirtualDesktop, wait_until  # noqa: E402
 
-MAIN, PREFERENCES, OPEN_PANEL = "Zelmora", "Preferences — Zelmora", "Choose What to Convert — Zelmora"
+MAIN, PROGRESS, PREFERENCES, OPEN_PANEL = (
+    "Zelmora", "Progress — Zelmora", "Preferences — Zelmora", "Choose What to Convert — Zelmora")
 CODECS = "shift_jis", "euc_jp", "iso2022_jp", "utf-8", "utf-8-sig", "utf-16", "utf-32"
 
 
@@ -30,7 +31,9 @@ def read(path):
 class DesktopTest(unittest.TestCase):
     def setUp(self):
         self.desktop = self.enterContext(VirtualDesktop())
-        self.settings = os.path.join(self.desktop.home, ".config/zelmora/zelmora.plist")
+        self.settings = os.path.join(self.desktop.folder("home/.config/zelmora"), "zelmora.plist")
+        with open(self.settings, "wb") as file:  # not the first launch
+            plistlib.dump({"displayManualAlert": True}, file)
 
     def start(self, *paths):
         """Starts Zelmora and answers its main window."""
@@ -91,19 +94,17 @@ class DesktopTest(unittest.TestCase):
         self.wait_for_source("accepts")
         self.assertEqual(self.drop(), "copied")
 
-        def progress_windows():
-            return [each for each, title in self.desktop.windows().items()
-                    if title == MAIN and each != window]
-
+        def shows_progress():
+            return PROGRESS in self.desktop.windows().values()
         left = list(sources)
 
         def all_are_converted():
             while left and read(os.path.join(folder, left[-1])) == sources[left[-1]][0].encode():
                 left.pop()
             return not left
-        wait_until(progress_windows, "the progress window")
+        wait_until(shows_progress, "the progress window")
         wait_until(all_are_converted, lambda: f"{len(left)} files, one of them {left[-1]}")
-        wait_until(lambda: not progress_windows(), "the progress window to close")
+        wait_until(lambda: not shows_progress(), "the progress window to close")
 
         backup = os.path.join(self.desktop.home, "Zelmora Backup/letters")
         for name, (_, before) in sources.items():
@@ -155,6 +156,22 @@ class DesktopTest(unittest.TestCase):
         self.desktop.key("ctrl+q")
         self.assert_quits()
         self.assertNotIn(window, self.desktop.windows())
+
+    def test_the_first_launch_asks_once_about_the_manual(self):
+        os.remove(self.settings)
+        self.zelmora = self.desktop.start([ZELMORA])
+        window = next(iter(wait_until(self.desktop.windows, "a window")))
+        question = self.desktop.wait_for_window(but=[window])
+        self.desktop.key("Escape")
+        self.desktop.wait_for_closing(question)
+        self.desktop.wait_for_window(MAIN)
+        self.desktop.key("ctrl+q")
+        self.assert_quits()
+        self.settings_become("displayManualAlert", True)
+
+        self.start()
+        self.desktop.key("ctrl+o")  # which a question in front of the window would keep away
+        self.desktop.wait_for_window(OPEN_PANEL)
 
 
 unittest.main(argv=[sys.argv[0], *sys.argv[4:]])
