@@ -4,6 +4,7 @@
 #include "platform/text/utf8.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -38,8 +39,12 @@ std::variant<DesktopOptions, int> readDesktopOptions(std::span<const char* const
           std::pair("--gapplication-service", &options.isService)})
         parser.add_flag(name, *value)->disable_flag_override();
 
-    const auto failure =
+    auto failure =
         parseCommandLine(parser, {arguments.rbegin(), arguments.rend()}, options.paths, strings);
+    // As an unset variable leaves one in a script: it is not the working folder that was meant.
+    if (!failure &&
+        std::find(options.paths.begin(), options.paths.end(), "") != options.paths.end())
+        failure = UsageError{strings.stringForKey("ConsoleNoPath")};
     if (failure) {
         say(failure->message);
         say(strings.format("ConsoleTryHelp", {programName}));

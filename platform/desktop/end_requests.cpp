@@ -5,6 +5,7 @@
 #include <QSessionManager>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <sys/eventfd.h>
@@ -27,8 +28,10 @@ std::atomic<int> signalEvent = -1;
 std::array<KeptAction, 3> keptActions{{{SIGINT}, {SIGTERM}, {SIGHUP}}};
 
 void noteSignal(int) {
+    const int errorInHand = errno; // of whatever has been interrupted
     const uint64_t one = 1;
     [[maybe_unused]] const auto written = write(signalEvent, &one, sizeof one);
+    errno = errorInHand;
 }
 
 int openSignalEvent() {

@@ -19,6 +19,7 @@ ANSWERS = [
     (["--bogus", "a.txt"], 2, "", "zelmora: Unknown option: --bogus\n" + TRY_HELP),
     (["--help", "-style"], 2, "", "zelmora: Unknown option: -style\n" + TRY_HELP),
     (["--version=2"], 2, "", "zelmora: Option takes no value: --version\n" + TRY_HELP),
+    (["a.txt", ""], 2, "", "zelmora: No path given\n" + TRY_HELP),
     (["-\x1b[2J"], 2, "", "zelmora: Unknown option: -\\x1B[2J\n" + TRY_HELP),
 ]
 
