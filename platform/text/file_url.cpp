@@ -38,7 +38,7 @@ std::optional<std::string> percentDecoded(std::string_view text) {
 
 std::optional<std::string> pathFromFileURL(std::string_view url) {
     constexpr std::string_view scheme = "file:";
-    if (!url.starts_with(scheme))
+    if (!url.starts_with(scheme) || url.find('\0') != url.npos)
         return std::nullopt;
     url.remove_prefix(scheme.size());
     if (url.starts_with("//")) {

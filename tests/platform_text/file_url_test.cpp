@@ -7,7 +7,7 @@ namespace {
 
 TEST(FileURLTest, OnlyFilesOfThisMachineHaveAPath) {
     const struct {
-        const char* url;
+        std::string url;
         std::optional<std::string> path;
     } cases[] = {
         {"file:///a/b.txt", "/a/b.txt"},
@@ -24,6 +24,7 @@ TEST(FileURLTest, OnlyFilesOfThisMachineHaveAPath) {
         {"file:///a%2", std::nullopt},
         {"file:///a%gg", std::nullopt},
         {"file:///a%00b", std::nullopt},
+        {std::string("file:///a\0b", 11), std::nullopt},
         {"http:///a", std::nullopt},
         {"/a", std::nullopt},
         {"", std::nullopt},
