@@ -9,6 +9,8 @@ find_package(Threads REQUIRED)
 add_library(zelmora_options INTERFACE)
 target_compile_options(zelmora_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  # Clang checks that what a lock guards is used under that lock (platform/threads).
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
   # GCC 12 sees overlapping copies in "x" + std::string at -O3 where there are none.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 # Assertions of the standard library: cheap ones, on in every build that is not packaged.

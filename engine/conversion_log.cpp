@@ -4,19 +4,19 @@
 #include "platform/events/notification_center.h"
 #include "platform/text/path_string.h"
 #include "platform/text/utf8.h"
+#include "platform/threads/mutex.h"
 
 #include <array>
 #include <cerrno>
 #include <ctime>
-#include <mutex>
 #include <vector>
 
 namespace zelmora {
 
 namespace {
 
-std::mutex sharedLogMutex;
-std::shared_ptr<ZelLog> theSharedLog;
+platform::Mutex sharedLogMutex;
+std::shared_ptr<ZelLog> theSharedLog GUARDED_BY(sharedLogMutex);
 
 // Localized-string keys, indexed by code - 1. "LIneBreakLS" is spelled so in the string tables.
 constexpr std::array<std::string_view, 4> lineBreakKeys = {"LineBreakLF", "LineBreakCR",
@@ -74,7 +74,7 @@ std::string_view encodingNameKey(OrvEncoding encoding) {
 }
 
 std::shared_ptr<ZelLog> ZelLog::sharedLog(const EngineServices& services) {
-    const std::lock_guard lock(sharedLogMutex);
+    const platform::MutexLock lock(sharedLogMutex);
     if (!theSharedLog) {
         theSharedLog = std::make_shared<ZelLog>(services);
         // Registered once for the process; it releases whichever instance is shared by then.
@@ -86,7 +86,7 @@ std::shared_ptr<ZelLog> ZelLog::sharedLog(const EngineServices& services) {
 }
 
 void ZelLog::callRelease() {
-    const std::lock_guard lock(sharedLogMutex);
+    const platform::MutexLock lock(sharedLogMutex);
     theSharedLog.reset();
 }
 

@@ -5,12 +5,12 @@
 namespace zelmora {
 
 void FileList::addPath(std::string path) {
-    const std::lock_guard lock(_lockArray);
+    const platform::MutexLock lock(_lockArray);
     _array.push_back(std::move(path));
 }
 
 std::optional<std::string> FileList::fetchPath() {
-    const std::lock_guard lock(_lockArray);
+    const platform::MutexLock lock(_lockArray);
     if (_array.size() <= _currentIndex) {
         _currentIndex = 0;
         _array = {}; // gives the memory of a large batch back
@@ -21,17 +21,17 @@ std::optional<std::string> FileList::fetchPath() {
 }
 
 uint64_t FileList::count() const {
-    const std::lock_guard lock(_lockArray);
+    const platform::MutexLock lock(_lockArray);
     return _array.size();
 }
 
 uint32_t FileList::currentIndex() const {
-    const std::lock_guard lock(_lockArray);
+    const platform::MutexLock lock(_lockArray);
     return _currentIndex;
 }
 
 void FileList::removeAllPaths() {
-    const std::lock_guard lock(_lockArray);
+    const platform::MutexLock lock(_lockArray);
     _array = {};
     _currentIndex = 0;
 }

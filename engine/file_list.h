@@ -1,8 +1,9 @@
 // The queue of files to convert.
 #pragma once
 
+#include "platform/threads/mutex.h"
+
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,9 +25,9 @@ class FileList {
     void removeAllPaths();
 
   private:
-    std::vector<std::string> _array;
-    mutable std::mutex _lockArray;
-    uint32_t _currentIndex = 0;
+    mutable platform::Mutex _lockArray;
+    std::vector<std::string> _array GUARDED_BY(_lockArray);
+    uint32_t _currentIndex GUARDED_BY(_lockArray) = 0;
 };
 
 } // namespace zelmora

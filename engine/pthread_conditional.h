@@ -1,6 +1,8 @@
 // A condition that one thread signals and another waits for.
 #pragma once
 
+#include "platform/threads/mutex.h"
+
 #include <cstdint>
 #include <ctime>
 #include <pthread.h>
@@ -35,9 +37,9 @@ class PThreadConditional {
     bool waitUntilSignalled(WaitOnce waitOnce);
 
     pthread_cond_t _condition;
-    pthread_mutex_t _mutex;
-    bool _isSignalled = false;    ///< a signal nobody has taken yet; guarded by _mutex
-    uint64_t _broadcastCount = 0; ///< guarded by _mutex
+    platform::Mutex _mutex;
+    bool _isSignalled GUARDED_BY(_mutex) = false; ///< a signal nobody has taken yet
+    uint64_t _broadcastCount GUARDED_BY(_mutex) = 0;
 };
 
 } // namespace zelmora

@@ -2,10 +2,10 @@
 #include "foundation/orv_pool_impl.h"
 #include "foundation/orv_string_impl.h"
 #include "foundation/orv_test_counters.h"
+#include "platform/threads/mutex.h"
 
 #include <algorithm>
 #include <cwchar>
-#include <mutex>
 #include <new>
 #include <pthread.h>
 
@@ -21,20 +21,24 @@ using Pool = OrvCTemporaryObjectsPool;
 class ThreadPools {
   public:
     bool push(Pool* pool) {
-        const Lock lock(*this);
+        const platform::MutexLock lock(_mutex);
+        countLock();
+        Entry* const entry = find();
+        std::vector<Entry>* const entries = &_entries;
         return allocating([&] {
-            if (Entry* entry = find()) {
+            if (entry) {
                 entry->pools.push_back(pool);
                 return;
             }
             // The stack first: a failure must not leave an entry with an empty one.
             std::vector<Pool*> pools(1, pool);
-            _entries.push_back({pthread_self(), std::move(pools)});
+            entries->push_back({pthread_self(), std::move(pools)});
         });
     }
 
     Pool* top() {
-        const Lock lock(*this);
+        const platform::MutexLock lock(_mutex);
+        countLock();
         const Entry* entry = find();
         return entry ? entry->pools.back() : nullptr;
     }
@@ -42,7 +46,8 @@ class ThreadPools {
     /// Takes `pool` off the stack it is on, from whatever place: an unbalanced pool must not be
     /// found again.
     void remove(Pool* pool) {
-        const Lock lock(*this);
+        const platform::MutexLock lock(_mutex);
+        countLock();
         for (Entry& entry : _entries)
             std::erase(entry.pools, pool);
         std::erase_if(_entries, [](const Entry& entry) { return entry.pools.empty(); });
@@ -50,7 +55,7 @@ class ThreadPools {
 
 #ifdef ORV_TEST_COUNTERS
     uint64_t lockCount() {
-        const std::lock_guard lock(_mutex);
+        const platform::MutexLock lock(_mutex);
         return _lockCount;
     }
 #endif
@@ -61,16 +66,14 @@ class ThreadPools {
         std::vector<Pool*> pools;
     };
 
-    struct Lock {
-        explicit Lock(ThreadPools& pools) : _guard(pools._mutex) {
+    /// Every use of the stacks begins with it.
+    void countLock() REQUIRES(_mutex) {
 #ifdef ORV_TEST_COUNTERS
-            ++pools._lockCount;
+        ++_lockCount;
 #endif
-        }
-        std::lock_guard<std::mutex> _guard;
-    };
+    }
 
-    Entry* find() {
+    Entry* find() REQUIRES(_mutex) {
         const auto isMine = [self = pthread_self()](const Entry& entry) {
             return pthread_equal(entry.thread, self) != 0;
         };
@@ -78,10 +81,10 @@ class ThreadPools {
         return entry == _entries.end() ? nullptr : &*entry;
     }
 
-    std::mutex _mutex;
-    std::vector<Entry> _entries;
+    platform::Mutex _mutex;
+    std::vector<Entry> _entries GUARDED_BY(_mutex);
 #ifdef ORV_TEST_COUNTERS
-    uint64_t _lockCount = 0;
+    uint64_t _lockCount GUARDED_BY(_mutex) = 0;
 #endif
 };
 

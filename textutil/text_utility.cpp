@@ -1,17 +1,16 @@
 #include "textutil/text_utility.h"
 
 #include "platform/events/notification_center.h"
+#include "platform/threads/mutex.h"
 #include "textutil/text_utility_private.h"
-
-#include <mutex>
 
 namespace zelmora {
 namespace {
 
 struct SharedUtility {
-    std::mutex mutex;
-    std::shared_ptr<OrvTextUtility> utility;
-    platform::NotificationCenter::ObserverID observer = 0;
+    platform::Mutex mutex;
+    std::shared_ptr<OrvTextUtility> utility GUARDED_BY(mutex);
+    platform::NotificationCenter::ObserverID observer GUARDED_BY(mutex) = 0;
 };
 
 SharedUtility& shared() {
@@ -23,7 +22,7 @@ SharedUtility& shared() {
 
 std::shared_ptr<OrvTextUtility> OrvTextUtility::instance() {
     SharedUtility& holder = shared();
-    const std::lock_guard lock(holder.mutex);
+    const platform::MutexLock lock(holder.mutex);
     if (!holder.utility) {
         holder.utility = std::make_shared<OrvTextUtilityPrivate>();
         holder.observer = platform::NotificationCenter::defaultCenter().addObserver(
@@ -34,7 +33,7 @@ std::shared_ptr<OrvTextUtility> OrvTextUtility::instance() {
 
 void OrvTextUtility::callRelease() {
     SharedUtility& holder = shared();
-    const std::lock_guard lock(holder.mutex);
+    const platform::MutexLock lock(holder.mutex);
     if (holder.utility)
         platform::NotificationCenter::defaultCenter().removeObserver(holder.observer);
     holder.utility.reset();

@@ -4,13 +4,12 @@
 #include "platform/defaults/saved_settings.h"
 #include "platform/text/path_string.h"
 #include "platform/text/utf8.h"
+#include "platform/threads/mutex.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <map>
-#include <mutex>
-#include <shared_mutex>
 
 namespace zelmora::platform {
 
@@ -75,6 +74,30 @@ std::optional<std::string> stringOf(const PropertyListValue& value) {
 } // namespace
 
 struct UserDefaults::State {
+    /// What the lock guards, beside the observers.
+    struct Values {
+        Layer thisRun;
+        Layer saved; ///< the file's values with `unsaved` applied
+        Layer registered;
+        SettingChanges unsaved;
+
+        std::string path;        ///< of the saved file; empty before load()
+        bool mayReplace = false; ///< whether the file was read without a problem, or is missing
+
+        const ValuePointer* effectiveValue(std::string_view key) const {
+            for (const Layer* layer : {&thisRun, &saved, &registered}) {
+                if (const auto found = layer->find(key); found != layer->end())
+                    return &found->second;
+            }
+            return nullptr;
+        }
+
+        ValuePointer valueOfKey(std::string_view key) const {
+            const auto* value = effectiveValue(key);
+            return value ? *value : nullptr;
+        }
+    };
+
     struct Registration {
         std::string key;
         std::shared_ptr<const Observer> observer;
@@ -82,23 +105,24 @@ struct UserDefaults::State {
 
     /// Hands the effective value of `key`, null when there is none, to `read` under the lock.
     template<typename Read>
-    auto read(std::string_view key, Read&& read) const {
-        const std::shared_lock lock(mutex);
-        const auto* found = effectiveValue(key);
+    auto read(std::string_view key, Read&& read) const EXCLUDES(mutex) {
+        const ReaderLock lock(mutex);
+        const auto* found = values.effectiveValue(key);
         return read(found ? found->get() : nullptr);
     }
 
-    /// Runs `mutation` under the lock, then tells the observers whose key reads differently.
+    /// Hands the values to `mutation` under the lock, then tells the observers whose key reads
+    /// differently.
     template<typename Mutation>
-    void change(Mutation&& mutation) {
+    void change(Mutation&& mutation) EXCLUDES(mutex) {
         std::vector<std::pair<ObserverID, ValuePointer>> watched;
         {
-            const std::lock_guard lock(mutex);
+            const WriterLock lock(mutex);
             for (const auto& [id, registration] : observers)
-                watched.emplace_back(id, valueOfKey(registration.key));
-            mutation();
-            std::erase_if(watched, [this](const auto& entry) {
-                const ValuePointer now = valueOfKey(observers.at(entry.first).key);
+                watched.emplace_back(id, values.valueOfKey(registration.key));
+            mutation(values);
+            std::erase_if(watched, [this](const auto& entry) REQUIRES(mutex) {
+                const ValuePointer now = values.valueOfKey(observers.at(entry.first).key);
                 return now == entry.second || (now && entry.second && *now == *entry.second);
             });
         }
@@ -108,33 +132,20 @@ struct UserDefaults::State {
 
     /// Sets, or with null removes, a value of the saved layer; see the class on this run's layer.
     void write(std::string_view key, const ValuePointer& value) {
-        change([&] {
+        change([&](Values& current) {
             const SettingChanges written{{std::string(key), value}};
-            applyChanges(written, saved);
-            unsaved.insert_or_assign(std::string(key), value);
-            if (thisRun.contains(key))
-                applyChanges(written, thisRun);
+            applyChanges(written, current.saved);
+            current.unsaved.insert_or_assign(std::string(key), value);
+            if (current.thisRun.contains(key))
+                applyChanges(written, current.thisRun);
         });
     }
 
-    const ValuePointer* effectiveValue(std::string_view key) const {
-        for (const Layer* layer : {&thisRun, &saved, &registered}) {
-            if (const auto found = layer->find(key); found != layer->end())
-                return &found->second;
-        }
-        return nullptr;
-    }
-
-    ValuePointer valueOfKey(std::string_view key) const {
-        const auto* value = effectiveValue(key);
-        return value ? *value : nullptr;
-    }
-
-    /// REQUIRES: no lock held. An observer removed in the meantime is left out.
-    void notify(ObserverID id) const {
+    /// An observer removed in the meantime is left out.
+    void notify(ObserverID id) const EXCLUDES(mutex) {
         Registration registration;
         {
-            const std::shared_lock lock(mutex);
+            const ReaderLock lock(mutex);
             const auto found = observers.find(id);
             if (found == observers.end())
                 return;
@@ -143,19 +154,12 @@ struct UserDefaults::State {
         (*registration.observer)(registration.key);
     }
 
-    mutable std::shared_mutex mutex; ///< guards everything below
+    std::span<const SettingKey> knownKeys; ///< never changes
 
-    Layer thisRun;
-    Layer saved; ///< the file's values with `unsaved` applied
-    Layer registered;
-    SettingChanges unsaved;
-
-    std::string path;        ///< of the saved file; empty before load()
-    bool mayReplace = false; ///< whether the file was read without a problem, or is missing
-
-    std::span<const SettingKey> knownKeys;
-    std::map<ObserverID, Registration> observers;
-    ObserverID lastObserver = 0;
+    mutable SharedMutex mutex;
+    Values values GUARDED_BY(mutex);
+    std::map<ObserverID, Registration> observers GUARDED_BY(mutex);
+    ObserverID lastObserver GUARDED_BY(mutex) = 0;
 };
 
 UserDefaults::UserDefaults(std::span<const SettingKey> knownKeys)
@@ -191,8 +195,8 @@ std::optional<PropertyListValue> UserDefaults::objectForKey(std::string_view key
 
 std::shared_ptr<const PropertyListValue>
 UserDefaults::sharedObjectForKey(std::string_view key) const {
-    const std::shared_lock lock(_state->mutex);
-    return _state->valueOfKey(key);
+    const ReaderLock lock(_state->mutex);
+    return _state->values.valueOfKey(key);
 }
 
 void UserDefaults::setBool(bool value, std::string_view key) {
@@ -213,34 +217,36 @@ void UserDefaults::removeObjectForKey(std::string_view key) {
 
 void UserDefaults::registerDefaults(const PropertyListDictionary& defaults) {
     const Layer added = layerOf(defaults);
-    _state->change([&] { applyChanges(added, _state->registered); });
+    _state->change([&](State::Values& values) { applyChanges(added, values.registered); });
 }
 
 void UserDefaults::setValueForThisRun(PropertyListValue value, std::string_view key) {
     auto shared = std::make_shared<PropertyListValue>(std::move(value));
-    _state->change([&] { _state->thisRun.insert_or_assign(std::string(key), std::move(shared)); });
+    _state->change([&](State::Values& values) {
+        values.thisRun.insert_or_assign(std::string(key), std::move(shared));
+    });
 }
 
 UserDefaults::ObserverID UserDefaults::addObserver(std::string_view key, Observer observer) {
     auto shared = std::make_shared<const Observer>(std::move(observer));
-    const std::lock_guard lock(_state->mutex);
+    const WriterLock lock(_state->mutex);
     const ObserverID id = ++_state->lastObserver;
     _state->observers.emplace(id, State::Registration{std::string(key), std::move(shared)});
     return id;
 }
 
 void UserDefaults::removeObserver(ObserverID observer) {
-    const std::lock_guard lock(_state->mutex);
+    const WriterLock lock(_state->mutex);
     _state->observers.erase(observer);
 }
 
 std::vector<std::string> UserDefaults::load(FileManager& files, const std::string& path) {
     SavedSettings file = readSavedSettings(files, path, _state->knownKeys);
-    _state->change([&] {
-        _state->saved = layerOf(file.values);
-        _state->unsaved.clear();
-        _state->path = path;
-        _state->mayReplace = file.problems.empty();
+    _state->change([&](State::Values& values) {
+        values.saved = layerOf(file.values);
+        values.unsaved.clear();
+        values.path = path;
+        values.mayReplace = file.problems.empty();
     });
     return std::move(file.problems);
 }
@@ -248,11 +254,11 @@ std::vector<std::string> UserDefaults::load(FileManager& files, const std::strin
 Status UserDefaults::save(FileManager& files) {
     std::string path;
     {
-        const std::shared_lock lock(_state->mutex);
-        if (_state->unsaved.empty())
+        const ReaderLock lock(_state->mutex);
+        if (_state->values.unsaved.empty())
             return {};
-        path = _state->path;
-        if (!_state->mayReplace) {
+        path = _state->values.path;
+        if (!_state->values.mayReplace) {
             return Error{EINVAL,
                          displayPath(path) + ": not saved, to keep a file that could not be read"};
         }
@@ -264,20 +270,20 @@ Status UserDefaults::save(FileManager& files) {
         return fileLock.error();
     SettingChanges written;
     {
-        const std::shared_lock lock(_state->mutex);
-        written = _state->unsaved;
+        const ReaderLock lock(_state->mutex);
+        written = _state->values.unsaved;
     }
     const auto merged = mergeIntoSavedSettings(files, path, _state->knownKeys, written);
     if (!merged)
         return merged.error();
-    _state->change([&] {
+    _state->change([&](State::Values& values) {
         // What was set again while the file was written is still to be saved.
-        std::erase_if(_state->unsaved, [&](const auto& entry) {
+        std::erase_if(values.unsaved, [&](const auto& entry) {
             const auto found = written.find(entry.first);
             return found != written.end() && found->second == entry.second;
         });
-        _state->saved = layerOf(*merged);
-        applyChanges(_state->unsaved, _state->saved);
+        values.saved = layerOf(*merged);
+        applyChanges(values.unsaved, values.saved);
     });
     return {};
 }

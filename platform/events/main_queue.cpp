@@ -18,7 +18,7 @@ void MainQueue::asyncLater(Block block) {
 }
 
 void MainQueue::add(Block block) {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _blocks.push_back(std::move(block));
 }
 
@@ -27,7 +27,7 @@ bool MainQueue::drain() {
     for (;;) {
         Block block;
         {
-            const std::lock_guard lock(_mutex);
+            const MutexLock lock(_mutex);
             if (_blocks.empty())
                 return ranAny;
             block = std::move(_blocks.front());

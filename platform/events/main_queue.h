@@ -1,9 +1,10 @@
 // Work that other threads leave for the main thread.
 #pragma once
 
+#include "platform/threads/mutex.h"
+
 #include <deque>
 #include <functional>
-#include <mutex>
 
 namespace zelmora::platform {
 
@@ -37,8 +38,8 @@ class MainQueue {
 
     std::function<void()> _wakeUp;
     std::function<void()> _wakeUpLater;
-    std::mutex _mutex;
-    std::deque<Block> _blocks;
+    Mutex _mutex;
+    std::deque<Block> _blocks GUARDED_BY(_mutex);
 };
 
 } // namespace zelmora::platform

@@ -12,13 +12,13 @@ NotificationCenter& NotificationCenter::defaultCenter() {
 
 NotificationCenter::ObserverID NotificationCenter::addObserver(std::string_view name,
                                                                Handler handler) {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _observers.emplace(++_lastObserver, Entry{std::string(name), std::move(handler)});
     return _lastObserver;
 }
 
 void NotificationCenter::removeObserver(ObserverID observer) {
-    const std::lock_guard lock(_mutex);
+    const MutexLock lock(_mutex);
     _observers.erase(observer);
 }
 
@@ -26,7 +26,7 @@ void NotificationCenter::post(std::string_view name) {
     // Handlers run unlocked, so that they may add and remove observers.
     std::vector<Handler> handlers;
     {
-        const std::lock_guard lock(_mutex);
+        const MutexLock lock(_mutex);
         for (const auto& [observer, entry] : _observers) {
             if (entry.name == name)
                 handlers.push_back(entry.handler);

@@ -1,10 +1,11 @@
 // Named notifications within the process.
 #pragma once
 
+#include "platform/threads/mutex.h"
+
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -38,9 +39,9 @@ class NotificationCenter {
         Handler handler;
     };
 
-    std::mutex _mutex;
-    ObserverID _lastObserver = 0;
-    std::map<ObserverID, Entry> _observers;
+    Mutex _mutex;
+    ObserverID _lastObserver GUARDED_BY(_mutex) = 0;
+    std::map<ObserverID, Entry> _observers GUARDED_BY(_mutex);
 };
 
 } // namespace zelmora::platform

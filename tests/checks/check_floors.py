@@ -11,18 +11,19 @@ import sys
 
 # Which floors each floor's files may include, itself apart.
 TEXT, FILES, DEFAULTS = "platform/text", "platform/files", "platform/defaults"
-EVENTS, UI = "platform/events", "platform/ui"
-BASE = {TEXT, FILES, DEFAULTS, EVENTS, UI}
+EVENTS, UI, THREADS = "platform/events", "platform/ui", "platform/threads"
+BASE = {TEXT, FILES, DEFAULTS, EVENTS, UI, THREADS}
 ALLOWED = {
     TEXT: set(),
-    EVENTS: set(),
+    THREADS: set(),
+    EVENTS: {THREADS},
     FILES: {TEXT},
-    DEFAULTS: {TEXT, FILES},
+    DEFAULTS: {TEXT, FILES, THREADS},
     UI: {EVENTS},
     "platform/console": {TEXT, EVENTS, UI},
     "platform/desktop": BASE,
-    "foundation": {TEXT, DEFAULTS, FILES, EVENTS},
-    "textutil": {TEXT, EVENTS},
+    "foundation": {TEXT, DEFAULTS, FILES, EVENTS, THREADS},
+    "textutil": {TEXT, EVENTS, THREADS},
     "markup": {TEXT, "textutil"},
     "engine": BASE | {"foundation", "textutil", "markup"},
     "app": BASE
