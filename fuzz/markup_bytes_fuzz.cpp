@@ -1,19 +1,15 @@
 // Any bytes: a found tag's offset and length lie in them and name the tag that was parsed.
+#include "fuzz_input.h"
 #include "markup/markup_parser.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <variant>
 
 namespace {
 
 using namespace zelmora;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
+using fuzz::require;
 
 std::size_t note(const OrvMarkupTag& tag, std::u16string_view key) {
     return std::get<std::size_t>(tag.parserAdditional()->find(key)->second);

@@ -1,21 +1,16 @@
 // Any text: found tags lie in it, the searches agree with each other, edits change their range
 // only.
+#include "fuzz_input.h"
 #include "markup/html_parser.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <variant>
 
 namespace {
 
 using namespace zelmora;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
+using fuzz::require;
 
 struct Place {
     std::size_t offset;
@@ -65,9 +60,8 @@ void edit(std::u16string text, const OrvMarkupTag& found) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Whole units, so that the fuzzer can write any; bytes as units, so that it soon writes tags.
-    std::u16string wide(size / sizeof(char16_t), u'\0');
-    std::memcpy(wide.data(), data, wide.size() * sizeof(char16_t));
-    for (const std::u16string& text : {wide, std::u16string(data, data + size)}) {
+    for (const std::u16string& text :
+         {fuzz::Input(data, size).restAsUnits(), std::u16string(data, data + size)}) {
         OrvHTMLParser parser;
         parser.setHTMLString(text);
         walk(parser);

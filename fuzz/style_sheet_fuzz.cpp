@@ -5,18 +5,14 @@
 #include "foundation/orv_string.h"
 #include "foundation/orv_test_counters.h"
 #include "foundation/wide_text.h"
+#include "fuzz_input.h"
 
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
 using namespace zelmora;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
+using fuzz::require;
 
 /// Most bytes as they are; the rest, with the byte that follows, spread over all code points.
 std::wstring sheetFrom(const uint8_t* data, size_t size) {
