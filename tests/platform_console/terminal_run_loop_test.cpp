@@ -1,5 +1,6 @@
 #include "platform/console/terminal_run_loop.h"
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -13,12 +14,13 @@ namespace {
 TEST(TerminalRunLoop, RunsWhatOtherThreadsScheduleUntilItIsStopped) {
     TerminalRunLoop loop;
     std::vector<uint32_t> activities;
-    bool hasWaited = false;
+    std::atomic<bool> hasWaited = false;
     loop.addObserver(RunLoop::beforeWaiting, [&](RunLoop::Activity) { hasWaited = true; });
     loop.addObserver(RunLoop::exit, [&](RunLoop::Activity each) { activities.push_back(each); });
     std::thread::id ranOn;
     std::thread other([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        for (int i = 0; i < 2000 && !hasWaited; ++i) // on a busy machine too, it is to wait first
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         loop.mainQueue().async([&] {
             ranOn = std::this_thread::get_id();
             loop.stop(7);
