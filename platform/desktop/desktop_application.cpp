@@ -12,8 +12,11 @@ DesktopApplication::DesktopApplication(int& argumentCount, char** arguments)
     QApplication::setApplicationName("zelmora");
     QApplication::setApplicationDisplayName("Zelmora");
     QApplication::setDesktopFileName("org.zelmora.Zelmora");
-    // Not every window manager finds it by the desktop file.
-    QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName()));
+    // Not every window manager finds it by the desktop file. By its path: a theme knows it only
+    // when it is installed where themes are looked for.
+    QApplication::setWindowIcon(
+        QIcon(QApplication::applicationDirPath() +
+              "/../share/icons/hicolor/scalable/apps/org.zelmora.Zelmora.svg"));
     // The end is the delegate's to decide, not the last window's.
     QApplication::setQuitOnLastWindowClosed(false);
 }

@@ -247,5 +247,9 @@ TEST_F(DesktopTest, TheSavePanelTakesAnExistingFileOnlyWhenConfirmed) {
     EXPECT_EQ(list->count(), 1);
 }
 
+TEST_F(DesktopTest, WindowsHaveTheIconOfTheApplication) {
+    EXPECT_FALSE(QApplication::windowIcon().pixmap(16).isNull());
+}
+
 } // namespace
 } // namespace zelmora::test

@@ -39,7 +39,7 @@ class InstallTest(unittest.TestCase):
         installed = self.top / "first"
         subprocess.run([CMAKE, "--install", BUILD, "--prefix", installed], check=True,
                        stdout=subprocess.DEVNULL)
-        # Nothing may depend on the place that it was installed to.
+        # Nothing but the bus's service may depend on the place that it was installed to.
         self.prefix = installed.rename(self.top / "moved")
 
     def test_files_are_in_the_usual_places(self):
@@ -48,6 +48,11 @@ class InstallTest(unittest.TestCase):
         self.assertEqual(sorted(found), sorted(FILES.split()))
         for path in self.prefix.rglob("*"):
             self.assertGreater(path.stat().st_size, 0, path)
+
+    def test_the_bus_is_told_where_the_program_is(self):
+        service = self.prefix / f"share/dbus-1/services/{ID}.service"
+        self.assertIn(f"\nExec={self.top}/first/bin/zelmora --gapplication-service\n",
+                      service.read_text(encoding="utf-8"))
 
     def test_the_installed_program_converts_and_speaks_two_languages(self):
         text = "日本語の文章。\n"
