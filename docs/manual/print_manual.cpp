@@ -3,7 +3,7 @@
 //     print_manual MANUAL.md STYLE.css FOOTER OUTPUT.pdf FONT.ttf...
 //
 // The same input makes the same bytes: only the fonts that are given are used, and the date is that
-// of SOURCE_DATE_EPOCH.
+// of SOURCE_DATE_EPOCH. QT_HASH_SEED has to be 0, for the fonts are written in the order of a hash.
 
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
@@ -133,7 +133,6 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("LC_ALL", "C.UTF-8");
     qputenv("TZ", "UTC");
-    qputenv("QT_HASH_SEED", "0"); // some dictionaries are written in the order of a hash
     const QGuiApplication application(argc, argv);
     const auto arguments = QGuiApplication::arguments();
     if (arguments.size() < 6) {
