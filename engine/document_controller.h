@@ -118,7 +118,9 @@ class ZelDocumentController : public ProgressWindowDelegate {
 
     // Destination (document_controller_destination.cpp).
 
-    /// The first free sibling of `path` of the form name#n.extension, n from 0.
+    /// The sibling of `path` of the form name#n.extension.
+    [[nodiscard]] static std::string numberedPath(const std::string& path, uint32_t n);
+    /// The first of these, n from 0, that is free.
     [[nodiscard]] std::string dstPathForSrcPath(const std::string& path) const;
 
     /// Gives the converted file at `dstPath` its HFS codes, deletes the source and moves the

@@ -45,8 +45,7 @@ void ZelDocumentController::doConvertProcess(const std::string& srcPath) {
         tellLostCharacters(std::move(conversion.lost));
 }
 
-/// The converted file beside its source. It gets its name when its first bytes are there, and is
-/// dropped unless it is finished.
+/// The converted file beside its source. It is dropped unless it is finished.
 class ZelDocumentController::ConvertedFile {
   public:
     ConvertedFile(const ZelDocumentController& controller, const std::string& srcPath)
@@ -54,18 +53,25 @@ class ZelDocumentController::ConvertedFile {
 
     /// Adds `bytes` and empties them; finish() tells whether that worked.
     void write(platform::Bytes& bytes) {
-        if (_file == nullptr) {
-            _dstPath = _controller.dstPathForSrcPath(_srcPath);
-            _file = _controller._services.files.newFileAtPath(_dstPath);
-        }
+        if (_file == nullptr)
+            _file = _controller._services.files.newFileBesidePath(_srcPath);
         _file->write(bytes);
     }
 
     /// Drops what has been written, to begin anew.
     void drop() { _file.reset(); }
 
-    /// REQUIRES: something was written, be it no bytes.
-    platform::Status finish() { return _file->finish(); }
+    /// Gives it the first free name. REQUIRES: something was written, be it no bytes.
+    platform::Status finish() {
+        // Nearly always that is the very first; asking beforehand would cost each file a call.
+        _dstPath = numberedPath(_srcPath, 0);
+        auto finished = _file->finishAtPath(_dstPath);
+        if (!finished.ok() && finished.error().code == EEXIST) {
+            _dstPath = _controller.dstPathForSrcPath(_srcPath);
+            finished = _file->finishAtPath(_dstPath);
+        }
+        return finished;
+    }
 
     [[nodiscard]] const std::string& srcPath() const { return _srcPath; }
     [[nodiscard]] const std::string& dstPath() const { return _dstPath; }

@@ -42,14 +42,18 @@ std::u16string StringFromFourCharCode(uint32_t code) {
     return string;
 }
 
-std::string ZelDocumentController::dstPathForSrcPath(const std::string& path) const {
-    const auto folder = platform::deletingLastPathComponent(path);
+std::string ZelDocumentController::numberedPath(const std::string& path, uint32_t n) {
     const auto name = platform::lastPathComponent(path);
-    const auto extension = platform::pathExtension(name);
     const auto base = platform::deletingPathExtension(name);
+    return platform::appendingPathComponent(
+        platform::deletingLastPathComponent(path),
+        platform::appendingPathExtension(base + "#" + std::to_string(n),
+                                         platform::pathExtension(name)));
+}
+
+std::string ZelDocumentController::dstPathForSrcPath(const std::string& path) const {
     for (uint32_t n = 0;; ++n) {
-        auto candidate = platform::appendingPathComponent(
-            folder, platform::appendingPathExtension(base + "#" + std::to_string(n), extension));
+        auto candidate = numberedPath(path, n);
         if (!_services.files.fileExistsAtPath(candidate))
             return candidate;
     }
@@ -66,14 +70,17 @@ ZelDocumentController::doConvertProcessPostDstPath(const std::string& dstPath,
         .type = hfsCode(settings::actionForFileType, settings::fileType, sourceCodes->type),
         .creator =
             hfsCode(settings::actionForCreator, settings::creatorCode, sourceCodes->creator)};
-    if (auto set = files.setHFSCodes(codes, dstPath); !set.ok())
-        return set;
+    // A new file has none.
+    if (codes != platform::HFSCodes{}) {
+        if (auto set = files.setHFSCodes(codes, dstPath); !set.ok())
+            return set;
+    }
     // The converted bytes are on disk by now, so the source may go.
     if (auto removed = files.removeFileAtPath(srcPath); !removed.ok())
         return removed;
     const auto finalPath = finalPathForSrcPath(srcPath);
     auto moved = files.moveItemAtPath(dstPath, finalPath);
-    // Asking beforehand whether the name is taken would cost each file a call.
+    // Asking beforehand would cost each file a call here too.
     if (!moved.ok() && moved.error().code == EEXIST)
         moved = files.moveItemAtPath(dstPath, dstPathForSrcPath(finalPath));
     return moved;

@@ -32,19 +32,20 @@ struct HFSCodes {
     bool operator==(const HFSCodes&) const = default;
 };
 
-/// A new file on its way to its name. It is dropped, and nothing remains of it, unless finish()
-/// succeeds. Used by one thread at a time.
+/// A new file on its way to its name. It is dropped, and nothing remains of it, unless
+/// finishAtPath() succeeds. Used by one thread at a time.
 class NewFile {
   public:
     virtual ~NewFile() = default;
 
     /// Adds `bytes` at the end and takes them: what comes back is empty, with room that the next
-    /// ones may use. The first failure is kept for finish(); nothing is written after it.
+    /// ones may use. The first failure is kept for finishAtPath(); nothing is written after it.
     virtual void write(Bytes& bytes) = 0;
 
-    /// Waits until the bytes are on disk (fdatasync) and gives the file its name; EEXIST when it is
-    /// taken. Answers also what failed before. Called once, at the end.
-    virtual Status finish() = 0;
+    /// Waits until the bytes are on disk (fdatasync) and gives the file the name `path`, in the
+    /// folder it is in. EEXIST when that is taken: it may be called again with another name.
+    /// Answers also what failed before. Nothing is written afterwards.
+    virtual Status finishAtPath(const std::string& path) = 0;
 };
 
 class FileManager {
@@ -103,9 +104,10 @@ class FileManager {
     /// scratch file remains.
     virtual Status createFileAtPath(const std::string& path, ByteView contents) = 0;
 
-    /// The same for contents that are made piece by piece. Never null: a failure is the new file's,
+    /// The same in the folder that holds the item `path`, for contents that are made piece by piece
+    /// and a name that is chosen when they are complete. Never null: a failure is the new file's,
     /// told when it is finished.
-    [[nodiscard]] virtual std::unique_ptr<NewFile> newFileAtPath(const std::string& path) = 0;
+    [[nodiscard]] virtual std::unique_ptr<NewFile> newFileBesidePath(const std::string& path) = 0;
 
     /// The same, but replaces what regular file has the name (EISDIR or EINVAL when it is none).
     /// Links are followed and stay: the file they lead to is replaced. For files of the program's

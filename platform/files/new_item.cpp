@@ -123,8 +123,8 @@ int ScratchItem::done(int code) {
     return code;
 }
 
-int ScratchItem::takeTargetName() {
-    return done(renameWithoutReplacing(folder(), name(), folder(), _target.name()));
+int ScratchItem::takeName(const Location& to) {
+    return done(renameWithoutReplacing(folder(), name(), to.folder(), to.name()));
 }
 
 int ScratchItem::replaceTarget() {
@@ -136,6 +136,11 @@ FileDescriptor openUnnamedFile(const Location& target, mode_t mode) {
 }
 
 int nameUnnamedFile(int file, const Location& target) {
+    const int code = errnoUnless(::linkat(file, "", target.folder(), target.name(), AT_EMPTY_PATH));
+    if (code != ENOENT) {
+        return code;
+    }
+    // Kernels before 6.10 let only the superuser do that. The other way takes longer.
     const std::string itself = "/proc/self/fd/" + std::to_string(file);
     return errnoUnless(
         ::linkat(AT_FDCWD, itself.c_str(), target.folder(), target.name(), AT_SYMLINK_FOLLOW));

@@ -32,7 +32,9 @@ class ScratchItem {
     [[nodiscard]] const char* name() const { return _name.c_str(); }
 
     /// Gives the item its target's name; EEXIST when that is taken.
-    int takeTargetName();
+    int takeTargetName() { return takeName(_target); }
+    /// Gives the item another name in the same way.
+    int takeName(const Location& to);
     /// Gives the item its target's name, in place of the file that has it.
     int replaceTarget();
 

@@ -23,7 +23,7 @@ class PosixFileManager final : public FileManager {
 
     // posix_writing.cpp
     Status createFileAtPath(const std::string& path, ByteView contents) override;
-    [[nodiscard]] std::unique_ptr<NewFile> newFileAtPath(const std::string& path) override;
+    [[nodiscard]] std::unique_ptr<NewFile> newFileBesidePath(const std::string& path) override;
     Status replaceFileAtPath(const std::string& path, ByteView contents) override;
     Status appendToFileAtPath(const std::string& path, ByteView contents) override;
     Status createDirectoryAtPath(const std::string& path) override;

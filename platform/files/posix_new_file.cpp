@@ -3,6 +3,7 @@
 #include "platform/files/posix_file_manager.h"
 
 #include <system_error>
+#include <utility>
 
 namespace zelmora::platform {
 
@@ -18,11 +19,11 @@ int sync(int file) {
 } // namespace
 
 PosixNewFile::PosixNewFile(const std::string& path, mode_t mode)
-    : _path(path), _target(_path), _mode(mode), _scratch(_target),
-      _code(_target.error() != 0 ? _target.error() : open()) {}
+    : _path(path), _sibling(_path), _mode(mode), _scratch(_sibling),
+      _code(_sibling.error() != 0 ? _sibling.error() : open()) {}
 
 int PosixNewFile::open() {
-    _file = openUnnamedFile(_target, _mode);
+    _file = openUnnamedFile(_sibling, _mode);
     _isUnnamed = _file.isOpen();
     if (_isUnnamed) {
         return 0;
@@ -55,41 +56,52 @@ void PosixNewFile::startBackground() {
     }
 }
 
-Status PosixNewFile::finish() {
-    if (_code == 0 && _background) {
-        _code = _background->finish();
+Status PosixNewFile::finishAtPath(const std::string& path) {
+    if (_code == 0 && !std::exchange(_isComplete, true)) {
+        _code = complete();
     }
-    if (_code == 0) {
-        _code = syncAndName();
+    if (_code != 0) {
+        return Error::fromErrno(_code, path, "create");
     }
-    if (_code == 0) {
-        _code = keepName(_target);
-    }
-    return statusOf(_code, _path, "create");
+    return performAt(path, "create", [&](const Location& name) {
+        const int code = takeName(name);
+        return code != 0 ? code : keepName(name);
+    });
 }
 
-int PosixNewFile::syncAndName() {
-    if (const int code = sync(_file.get())) {
-        return code;
+int PosixNewFile::complete() {
+    if (_background) {
+        if (const int code = _background->finish()) {
+            return code;
+        }
     }
-    if (!_isUnnamed) {
-        const int code = _file.close();
-        return code != 0 ? code : _scratch.takeTargetName();
+    const int code = sync(_file.get());
+    return code != 0 || _isUnnamed ? code : _file.close();
+}
+
+int PosixNewFile::takeName(const Location& name) {
+    if (_isUnnamed) {
+        const int code = nameUnnamedFile(_file.get(), name);
+        if (code == 0 || code == EEXIST) {
+            return code;
+        }
+        if (const int copyCode = makeScratchCopy()) {
+            return copyCode;
+        }
+        _isUnnamed = false;
     }
-    const int code = nameUnnamedFile(_file.get(), _target);
-    return code == 0 || code == EEXIST ? code : takeScratchCopy();
+    return _scratch.takeName(name);
 }
 
 /// For a process that may not name an unnamed file.
-int PosixNewFile::takeScratchCopy() {
-    const int code = makeScratchFile(_scratch, _mode, [&](int copy) {
+int PosixNewFile::makeScratchCopy() {
+    return makeScratchFile(_scratch, _mode, [&](int copy) {
         if (::lseek(_file.get(), 0, SEEK_SET) != 0) {
             return errno;
         }
         const int copyCode = copyBytes(_file.get(), copy, _size);
         return copyCode != 0 ? copyCode : sync(copy);
     });
-    return code != 0 ? code : _scratch.takeTargetName();
 }
 
 } // namespace zelmora::platform

@@ -14,23 +14,26 @@ namespace zelmora::platform {
 /// Small files are written as they come; a large one gets a thread of its own for that.
 class PosixNewFile final : public NewFile {
   public:
-    /// Opens the file; `mode` less what the process withholds is its permissions.
+    /// Opens the file in the folder that holds `path`; `mode` less what the process withholds is
+    /// its permissions.
     PosixNewFile(const std::string& path, mode_t mode);
 
     void write(Bytes& bytes) override;
-    Status finish() override;
+    Status finishAtPath(const std::string& path) override;
 
   private:
     int open();
     void startBackground();
-    int syncAndName();
-    int takeScratchCopy();
+    int complete();
+    int takeName(const Location& name);
+    int makeScratchCopy();
 
     const std::string _path;
-    const Location _target;
+    const Location _sibling;
     const mode_t _mode;
     ScratchItem _scratch;
     bool _isUnnamed = false;
+    bool _isComplete = false;
     FileDescriptor _file;
     size_t _size = 0;                            ///< written or handed to the background so far
     int _code = 0;                               ///< the first failure

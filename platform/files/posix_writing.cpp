@@ -109,7 +109,7 @@ Status PosixFileManager::createFileAtPath(const std::string& path, ByteView cont
     });
 }
 
-std::unique_ptr<NewFile> PosixFileManager::newFileAtPath(const std::string& path) {
+std::unique_ptr<NewFile> PosixFileManager::newFileBesidePath(const std::string& path) {
     return std::make_unique<PosixNewFile>(path, kNewFileMode);
 }
 

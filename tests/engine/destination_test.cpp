@@ -146,6 +146,8 @@ TEST_F(DestinationTest, FailedStepLeavesOneWholeFile) {
         const TemporaryDirectory place;
         const auto source = place.writeFile("a.txt", "old");
         const auto converted = place.writeFile("a#0.txt", "new");
+        defaults.setInteger(1, settings::actionForCreator); // or there are none to set
+        defaults.setObject(std::string("ab"), settings::creatorCode);
         files.failEvery(each.operation, EIO);
         const auto status = controller.doConvertProcessPostDstPath(converted, source);
         files.failEvery(each.operation, 0);

@@ -97,6 +97,7 @@ TEST_F(Moving, ReplacesNothing) {
 TEST_F(Moving, FileSystemsThatKnowLessGetTheSameInMoreSteps) {
     const RefusedCall noUnnamedFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY, EOPNOTSUPP};
     const RefusedCall noSafeRename = {SYS_renameat2, 4, ~0U, EINVAL};
+    const RefusedCall noNamingByDescriptor = {SYS_linkat, 4, AT_EMPTY_PATH, ENOENT};
     const RefusedCall noLinks = {SYS_linkat, 1, ~0U, EPERM};
     const RefusedCall noCloning = {SYS_copy_file_range, 4, ~0U, EXDEV};
     const struct {
@@ -104,6 +105,7 @@ TEST_F(Moving, FileSystemsThatKnowLessGetTheSameInMoreSteps) {
         std::vector<RefusedCall> refused;
     } cases[] = {
         {"no unnamed files", {noUnnamedFiles}},
+        {"unnamed files that are named through /proc", {noNamingByDescriptor}},
         {"unnamed files, but no naming them", {noLinks}},
         {"no rename without replacing", {noUnnamedFiles, noSafeRename, noCloning}},
         {"no links either", {noUnnamedFiles, noSafeRename, noLinks}},
@@ -116,12 +118,13 @@ TEST_F(Moving, FileSystemsThatKnowLessGetTheSameInMoreSteps) {
             const std::string big(700000, 'x');
             EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf(big))), 0);
             EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf("2"))), EEXIST);
-            const auto pieces = _files.newFileAtPath(folder / "pieces");
+            const auto pieces = _files.newFileBesidePath(folder / "new");
             for (int i = 0; i < 3; ++i) {
                 Bytes piece(700000, std::byte{'x'});
                 pieces->write(piece);
             }
-            EXPECT_EQ(codeOf(pieces->finish()), 0);
+            EXPECT_EQ(codeOf(pieces->finishAtPath(folder / "new")), EEXIST);
+            EXPECT_EQ(codeOf(pieces->finishAtPath(folder / "pieces")), 0);
             EXPECT_TRUE(readFile(folder / "pieces") == big + big + big);
             EXPECT_EQ(codeOf(_files.removeFileAtPath(folder / "pieces")), 0);
             EXPECT_EQ(codeOf(_files.copyItemAtPath(folder / "new", folder / "new copy")), 0);

@@ -45,14 +45,14 @@ TEST_F(ReadingWriting, CreatedContentsComeBackExactly) {
 /// Makes a file out of pieces of this size; answers what finishing it does.
 int createInPieces(FileManager& files, const std::string& path, std::string_view text,
                    size_t pieceSize) {
-    const auto file = files.newFileAtPath(path);
+    const auto file = files.newFileBesidePath(path);
     for (; !text.empty(); text.remove_prefix(std::min(pieceSize, text.size()))) {
         const ByteView piece = bytesOf(text.substr(0, pieceSize));
         Bytes bytes(piece.begin(), piece.end());
         file->write(bytes);
         EXPECT_TRUE(bytes.empty());
     }
-    return codeOf(file->finish());
+    return codeOf(file->finishAtPath(path));
 }
 
 TEST_F(ReadingWriting, PiecesMakeUpTheFile) {
@@ -74,7 +74,7 @@ TEST_F(ReadingWriting, PiecesMakeUpTheFile) {
 
 TEST_F(ReadingWriting, ANewFileThatIsNotFinishedIsNothing) {
     for (const size_t count : {0UL, 1UL, 300UL}) {
-        const auto file = _files.newFileAtPath(_folder / "file");
+        const auto file = _files.newFileBesidePath(_folder / "file");
         for (size_t i = 0; i < count; ++i) {
             Bytes bytes(10000, std::byte{'x'});
             file->write(bytes);

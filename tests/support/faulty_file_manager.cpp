@@ -7,9 +7,9 @@ using namespace platform;
 class FaultyFileManager::FaultyNewFile final : public NewFile {
   public:
     FaultyNewFile(FaultyFileManager& files, const std::string& path)
-        : _files(files), _path(path), _code(files.begin("newFileAtPath", path)) {
+        : _files(files), _path(path), _code(files.begin("newFileBesidePath", path)) {
         if (_code == 0)
-            _target = files._target.newFileAtPath(path);
+            _target = files._target.newFileBesidePath(path);
     }
 
     void write(Bytes& bytes) override {
@@ -18,8 +18,9 @@ class FaultyFileManager::FaultyNewFile final : public NewFile {
         bytes.clear();
     }
 
-    Status finish() override {
-        return passes("finish") ? _target->finish() : Error::fromErrno(_code, _path, "finish");
+    Status finishAtPath(const std::string& path) override {
+        return passes("finishAtPath") ? _target->finishAtPath(path)
+                                      : Error::fromErrno(_code, path, "finish");
     }
 
   private:
@@ -91,7 +92,7 @@ Status FaultyFileManager::createFileAtPath(const std::string& path, ByteView con
                    [&] { return _target.createFileAtPath(path, contents); });
 }
 
-std::unique_ptr<NewFile> FaultyFileManager::newFileAtPath(const std::string& path) {
+std::unique_ptr<NewFile> FaultyFileManager::newFileBesidePath(const std::string& path) {
     return std::make_unique<FaultyNewFile>(*this, path);
 }
 

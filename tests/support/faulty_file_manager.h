@@ -50,7 +50,7 @@ class FaultyFileManager final : public platform::FileManager {
     /// What is done with the new file are operations too, "write" and "finish". When one fails, the
     /// file behind it is dropped.
     [[nodiscard]] std::unique_ptr<platform::NewFile>
-    newFileAtPath(const std::string& path) override;
+    newFileBesidePath(const std::string& path) override;
     platform::Status replaceFileAtPath(const std::string& path,
                                        platform::ByteView contents) override;
     platform::Status appendToFileAtPath(const std::string& path,
