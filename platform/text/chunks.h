@@ -1,6 +1,6 @@
-// Runs a codec's inner loop over a text chunk by chunk. The loop writes to a small buffer that
-// stays in the cache and is large enough for whatever a chunk can become, so it need not check for
-// room; the result is never filled with zeroes first.
+// Runs a codec's inner loop over a text chunk by chunk. The loop writes to a buffer that is large
+// enough for whatever a chunk can become, so it need not check for room; the result is never filled
+// with zeroes first.
 #pragma once
 
 #include "platform/text/text_coders.h"
@@ -56,13 +56,15 @@ std::unique_ptr<TextDecoder> makeChunkDecoder(Step step) {
 /// has no code. A unit becomes at most `bytesPerUnit` bytes.
 template<size_t bytesPerUnit, typename Step>
 const char16_t* encodeInChunks(const char16_t* in, const char16_t* end, Bytes& bytes, Step step) {
-    std::array<Octet, bytesPerUnit*(kChunk + kStraddle)> octets;
     bool encodes = true;
     while (encodes && in != end) {
-        Octet* out = octets.data();
-        encodes = step(in, in + std::min(kChunk, end - in), end, out);
-        const std::byte* const written = reinterpret_cast<const std::byte*>(octets.data());
-        bytes.insert(bytes.end(), written, written + (out - octets.data()));
+        const size_t size = bytes.size();
+        const std::ptrdiff_t count = std::min(kChunk, end - in);
+        bytes.resize(size + bytesPerUnit * static_cast<size_t>(count + kStraddle));
+        Octet* const begin = reinterpret_cast<Octet*>(bytes.data());
+        Octet* out = begin + size;
+        encodes = step(in, in + count, end, out);
+        bytes.resize(static_cast<size_t>(out - begin));
     }
     return in;
 }
