@@ -2,7 +2,15 @@
 
 #include "platform/files/new_item.h"
 
+#include <fcntl.h>
+
 namespace zelmora::platform {
+
+namespace {
+
+constexpr size_t kWrittenBackAtOnce = size_t{8} << 20; // bytes
+
+} // namespace
 
 BackgroundWriter::BackgroundWriter(int file) : _file(file), _thread([this] { run(); }) {}
 
@@ -33,6 +41,7 @@ int BackgroundWriter::finish() {
 
 void BackgroundWriter::run() {
     Bytes bytes;
+    size_t heldBack = 0; // bytes that the disk has not been told of
     std::unique_lock lock(_mutex);
     for (;;) {
         _changed.wait(lock, [this] { return _isDone || !_waiting.empty(); });
@@ -45,7 +54,13 @@ void BackgroundWriter::run() {
         lock.unlock();
         _changed.notify_all();
         const int code = isWanted ? writeAll(_file, bytes.data(), bytes.size()) : 0;
+        heldBack += bytes.size();
         bytes.clear();
+        if (heldBack >= kWrittenBackAtOnce) {
+            // Only begun, for a shorter wait at the end; whether it worked is told there.
+            ::sync_file_range(_file, 0, 0, SYNC_FILE_RANGE_WRITE);
+            heldBack = 0;
+        }
         lock.lock();
         _isWriting = false;
         if (code != 0) {
