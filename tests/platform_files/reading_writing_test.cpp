@@ -32,14 +32,14 @@ std::string sample(size_t size) {
 }
 
 TEST_F(ReadingWriting, CreatedContentsComeBackExactly) {
-    for (const size_t size : {0UL, 1UL, 4095UL, 4096UL, 4097UL, 3000000UL}) {
+    for (const size_t size : {0UL, 1UL, 4095UL, 4096UL, 4097UL, 3000000UL, 9000001UL}) {
         const std::string path = _folder / ("file" + std::to_string(size));
         const std::string text = sample(size);
         EXPECT_EQ(codeOf(_files.createFileAtPath(path, bytesOf(text))), 0) << size;
         EXPECT_TRUE(contentsOf(_files, path) == text) << size;
         EXPECT_TRUE(readFile(path) == text) << size;
     }
-    EXPECT_EQ(_folder.items().size(), 6U);
+    EXPECT_EQ(_folder.items().size(), 7U);
 }
 
 /// Makes a file out of pieces of this size; answers what finishing it does.
@@ -170,11 +170,11 @@ TEST_F(ReadingWriting, LengthsThatAreNotTrueAreNoticed) {
 }
 
 TEST_F(ReadingWriting, AFileRewrittenWhileItIsReadIsNoticed) {
-    const std::string path = _folder.writeFile("file", sample(8000000));
+    const std::string path = _folder.writeFile("file", sample(9000000));
     std::atomic<bool> done = false;
     std::thread writer([&] {
         const int file = ::open(path.c_str(), O_WRONLY);
-        for (off_t at = 0; !done; at = (at + 4096) % 8000000) {
+        for (off_t at = 0; !done; at = (at + 4096) % 9000000) {
             EXPECT_EQ(::pwrite(file, "torn", 4, at), 4);
         }
         ::close(file);
