@@ -168,7 +168,7 @@ def take_work(studio, save):
 SERIES = {
     "en": ({"LC_ALL": "C"}, (take_windows, take_work)),
     "ja": ({"LC_ALL": "ja_JP.UTF-8"}, (take_windows, take_work)),
-    "dark-en": ({"LC_ALL": "C", **DARK_DESKTOP}, (take_windows, take_work)),
+    "dark-en": ({"LC_ALL": "C", **DARK_DESKTOP}, (take_windows,)),
     "double-ja": ({"LC_ALL": "ja_JP.UTF-8", "QT_SCALE_FACTOR": "2"}, (take_windows,)),
 }
 
