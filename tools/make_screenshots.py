@@ -56,8 +56,10 @@ class Studio(VirtualDesktop):
     """A desktop on which Zelmora is photographed in one language and look."""
 
     def __init__(self, zelmora, icon, environment):
-        # A large one, for the pictures with twice the pixels. Its folder is seen in the pictures.
-        super().__init__(1600, 1200, folder=os.path.join(tempfile.gettempdir(), "hanako"))
+        scale = int(environment.get("QT_SCALE_FACTOR", 1))
+        # The folder is seen in the pictures: one of the same name each time.
+        super().__init__(1024 * scale, 768 * scale,
+                         folder=os.path.join(tempfile.gettempdir(), "hanako"))
         self._zelmora = zelmora
         self._icon = icon
         self._environment = environment
@@ -158,7 +160,7 @@ def take_work(studio, save):
         os.makedirs(os.path.dirname(os.path.join(studio.home, name)), exist_ok=True)
         os.mkfifo(os.path.join(studio.home, name))
     main = studio.launch(os.path.join(studio.home, "diary"), autoBackup=False)
-    alert = studio.wait_for_window(but=[main])
+    alert = studio.wait_for_window("Zelmora", but=[main])  # the progress window is called otherwise
     wait_until(lambda: list(studio.windows()) == [main, alert], "the end of the batch")
     save("alert", studio.still_picture(alert))
     studio.quit()
