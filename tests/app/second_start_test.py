@@ -24,11 +24,18 @@ class SecondStartTest(DesktopCase):
         daemon.stdout.readline()  # it listens
         daemon.stdout.close()
 
-    def first(self, *arguments):
+    def service(self, *arguments):
+        """A process that has the name."""
         process = self.zelmora(*arguments)
         self.assertTrue(until(lambda: b"true" in self.call(
             "org.freedesktop.DBus", "/", "org.freedesktop.DBus.NameHasOwner",
             "org.zelmora.Zelmora").stdout))
+        return process
+
+    def first(self, *arguments):
+        """One that has launched."""
+        process = self.service(*arguments)
+        self.assertEqual(self.request("Activate", "{}").returncode, 0)
         return process
 
     def call(self, destination, path, method, *arguments):
@@ -89,11 +96,11 @@ class SecondStartTest(DesktopCase):
     def test_a_service_waits_for_what_it_was_started_for(self):
         self.write(b"a.txt", KANJI)
         self.settings(displayManualAlert=False, autoQuit=True)
-        service = self.first("--gapplication-service")
+        service = self.service("--gapplication-service")
         self.request("Open", f"['file://{os.fsdecode(self.path(b'a.txt'))}']", "{}")
         self.assert_ends(service)  # no question about the manual keeps it
         self.assert_converted(b"a.txt")
-        idle = self.first("--gapplication-service")
+        idle = self.service("--gapplication-service")
         self.assert_ends(idle)
 
     def test_no_bus(self):
