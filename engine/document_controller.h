@@ -150,6 +150,9 @@ class ZelDocumentController : public ProgressWindowDelegate {
 
     class ConvertedFile;
 
+    void convertQueuedFile(const QueuedFile& file);
+    /// Tells, counts and logs what became of the file.
+    void finishConversion(const std::string& srcPath, Conversion conversion);
     [[nodiscard]] Conversion convertFile(const std::string& srcPath) const;
     /// Whether a step of the conversion looks at more of the text than a line.
     [[nodiscard]] bool needsWholeText(const std::string& srcPath) const;

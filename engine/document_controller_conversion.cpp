@@ -35,6 +35,22 @@ void ZelDocumentController::doConvertProcess(const std::string& srcPath) {
     } catch (const std::length_error&) { // more than a string can hold at all
         conversion.failure = reason("ReasonRead", {.code = ENOMEM, .message = {}});
     }
+    finishConversion(srcPath, std::move(conversion));
+}
+
+void ZelDocumentController::convertQueuedFile(const QueuedFile& file) {
+    // Since the folder was searched, a link may have come into the way that leads elsewhere.
+    const auto way = _services.files.checkWayToItemAtPath(file.path, file.givenLength);
+    if (way.ok()) {
+        doConvertProcess(file.path);
+        return;
+    }
+    Conversion conversion;
+    conversion.failure = reason("ReasonRead", way.error());
+    finishConversion(file.path, std::move(conversion));
+}
+
+void ZelDocumentController::finishConversion(const std::string& srcPath, Conversion conversion) {
     const bool result = conversion.failure.empty();
     ++(result ? _convertedCount : _failedCount);
     if (_services.defaults.boolForKey(settings::createLogFile))

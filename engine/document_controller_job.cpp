@@ -58,8 +58,11 @@ void ZelDocumentController::addPath(const std::string& path) {
 
 bool ZelDocumentController::scanFiles(const std::string& path) {
     bool queuedAny = false;
+    // Slashes at the end are not taken over by what is found beneath.
+    const size_t folderLength = path.find_last_not_of('/') + 1;
     const auto status = _targets.scan(path, [&](std::string target) {
-        _fileList->addPath(std::move(target));
+        const size_t givenLength = target.size() == path.size() ? path.size() : folderLength;
+        _fileList->addPath({std::move(target), givenLength});
         queuedAny = true;
     });
     if (!status.ok()) {
@@ -149,19 +152,14 @@ void ZelDocumentController::convertQueuedFiles() {
     do {
         // Read before the queue is: a batch is over only when no wake-up came after this.
         const uint64_t wakeupsSeen = _batch->wakeups;
-        std::optional<std::string> path;
-        {
+        // Nothing is taken before the first wake-up: the batch is still being put together.
+        const auto file = wakeupsSeen != 0 ? _fileList->fetchPath() : std::nullopt;
+        if (file) {
             const OrvPtr<> filePool(OrvTemporaryObjectsPoolCreate());
-            // Nothing is taken before the first wake-up: the batch is still being put together.
-            if (wakeupsSeen != 0)
-                path = _fileList->fetchPath();
-            if (path) {
-                updateProgressWindow();
-                doConvertProcess(*path);
-                hasConverted = true;
-            }
-        }
-        if (!path) {
+            updateProgressWindow();
+            convertQueuedFile(*file);
+            hasConverted = true;
+        } else {
             if (hasConverted && _services.defaults.boolForKey(settings::autoQuit))
                 quitAutomatically(wakeupsSeen);
             else

@@ -4,19 +4,19 @@
 
 namespace zelmora {
 
-void FileList::addPath(std::string path) {
+void FileList::addPath(QueuedFile file) {
     const platform::MutexLock lock(_lockArray);
-    _array.push_back(std::move(path));
+    _array.push_back(std::move(file));
 }
 
-std::optional<std::string> FileList::fetchPath() {
+std::optional<QueuedFile> FileList::fetchPath() {
     const platform::MutexLock lock(_lockArray);
     if (_array.size() <= _currentIndex) {
         _currentIndex = 0;
         _array = {}; // gives the memory of a large batch back
         return std::nullopt;
     }
-    // Only the number of paths handed out is of use later, so the path itself can move out.
+    // Only the number of files handed out is of use later, so the path itself can move out.
     return std::move(_array[_currentIndex++]);
 }
 

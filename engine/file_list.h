@@ -10,14 +10,22 @@
 
 namespace zelmora {
 
+/// A file to convert, and how it was come by.
+struct QueuedFile {
+    std::string path;
+    /// How much of the path names what was handed over; the rest was found by searching that, and
+    /// no link was followed there.
+    size_t givenLength = 0;
+};
+
 /// The ordered list of paths added since it was last emptied, those already handed out included,
 /// so that progress can be told from its count and index. Every operation is safe on any thread.
 class FileList {
   public:
-    void addPath(std::string path);
+    void addPath(QueuedFile file);
 
-    /// The next path, or nullopt when all have been handed out; the list is then emptied.
-    std::optional<std::string> fetchPath();
+    /// The next file, or nullopt when all have been handed out; the list is then emptied.
+    std::optional<QueuedFile> fetchPath();
 
     [[nodiscard]] uint64_t count() const;
     /// The index of the next path to hand out; at most count().
@@ -26,7 +34,7 @@ class FileList {
 
   private:
     mutable platform::Mutex _lockArray;
-    std::vector<std::string> _array GUARDED_BY(_lockArray);
+    std::vector<QueuedFile> _array GUARDED_BY(_lockArray);
     uint32_t _currentIndex GUARDED_BY(_lockArray) = 0;
 };
 

@@ -73,6 +73,11 @@ class FileManager {
     [[nodiscard]] virtual bool itemAtPathContainsItemAtPath(const std::string& path,
                                                             const std::string& otherPath) = 0;
 
+    /// Whether the way from the folder named by the first `folderLength` bytes of `path` (links
+    /// followed) down to the folder that holds the item at `path` leads through folders alone:
+    /// ENOTDIR where something else, a link for instance, has taken the place of one.
+    virtual Status checkWayToItemAtPath(const std::string& path, size_t folderLength) = 0;
+
     /// The item's HFS codes; both 0 when it carries none or its file system can hold none.
     virtual Result<HFSCodes> hfsCodesOfItemAtPath(const std::string& path) = 0;
 

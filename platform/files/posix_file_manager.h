@@ -13,6 +13,7 @@ class PosixFileManager final : public FileManager {
     Result<FileType> typeOfItemAtPath(const std::string& path) override;
     [[nodiscard]] bool isDirectoryAtPath(const std::string& path) override;
     Status enumerateAtPath(const std::string& path, const EnumerationVisitor& visitor) override;
+    Status checkWayToItemAtPath(const std::string& path, size_t folderLength) override;
 
     // posix_hfs_codes.cpp
     Result<HFSCodes> hfsCodesOfItemAtPath(const std::string& path) override;

@@ -4,6 +4,32 @@
 
 namespace zelmora::platform {
 
+namespace {
+
+int checkWay(const std::string& path, size_t folderLength) {
+    size_t begin = path.find_first_not_of('/', folderLength);
+    size_t slash = path.find('/', begin);
+    if (slash == std::string::npos) {
+        return 0; // nothing in between, as for most files
+    }
+    const std::string start = folderLength == 0 ? "/" : path.substr(0, folderLength);
+    const Location at(start);
+    FileDescriptor folder;
+    if (at.error() != 0) {
+        return at.error();
+    }
+    folder = openAt(at.folder(), at.name(), O_PATH | O_DIRECTORY);
+    while (folder.isOpen() && slash != std::string::npos) {
+        const std::string name = path.substr(begin, slash - begin);
+        folder = openAt(folder.get(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW);
+        begin = path.find_first_not_of('/', slash);
+        slash = path.find('/', begin);
+    }
+    return folder.isOpen() ? 0 : errno;
+}
+
+} // namespace
+
 FileManager& FileManager::defaultManager() {
     static PosixFileManager manager;
     return manager;
@@ -29,6 +55,10 @@ Result<FileType> PosixFileManager::typeOfItemAtPath(const std::string& path) {
 bool PosixFileManager::isDirectoryAtPath(const std::string& path) {
     struct stat status = {};
     return statusAtPath(path, status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+Status PosixFileManager::checkWayToItemAtPath(const std::string& path, size_t folderLength) {
+    return statusOf(checkWay(path, folderLength), path, "look");
 }
 
 Status PosixFileManager::enumerateAtPath(const std::string& path,

@@ -73,6 +73,11 @@ Result<FileType> FaultyFileManager::typeOfItemAtPath(const std::string& path) {
     return perform("typeOfItemAtPath", path, [&] { return _target.typeOfItemAtPath(path); });
 }
 
+Status FaultyFileManager::checkWayToItemAtPath(const std::string& path, size_t folderLength) {
+    return perform("checkWayToItemAtPath", path,
+                   [&] { return _target.checkWayToItemAtPath(path, folderLength); });
+}
+
 Result<HFSCodes> FaultyFileManager::hfsCodesOfItemAtPath(const std::string& path) {
     return perform("hfsCodesOfItemAtPath", path,
                    [&] { return _target.hfsCodesOfItemAtPath(path); });

@@ -41,6 +41,7 @@ class FaultyFileManager final : public platform::FileManager {
     [[nodiscard]] bool isDirectoryAtPath(const std::string& path) override;
     [[nodiscard]] bool itemAtPathContainsItemAtPath(const std::string& path,
                                                     const std::string& otherPath) override;
+    platform::Status checkWayToItemAtPath(const std::string& path, size_t folderLength) override;
     platform::Result<platform::HFSCodes> hfsCodesOfItemAtPath(const std::string& path) override;
     platform::Status enumerateAtPath(const std::string& path,
                                      const EnumerationVisitor& visitor) override;

@@ -1,0 +1,77 @@
+// Somebody plants links while a batch runs: nothing outside what was handed over is touched.
+
+#include "engine/document_controller.h"
+#include "engine/settings.h"
+#include "engine_fixture.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+
+namespace zelmora::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+const std::string before = "\x95\x5c\n";
+const std::string after = "\xe8\xa1\xa8\n";
+
+using HostileTest = EngineTest;
+
+TEST_F(HostileTest, ALinkAtTheTemporaryNameIsNotWrittenThrough) {
+    const auto victim = folder.writeFile("victim", "kept");
+    const auto path = folder.writeFile("in/a.txt", before);
+    // There before the name is chosen: the next name is taken. There after that: it is an error.
+    for (const bool isEarly : {true, false}) {
+        const auto planted = folder / (isEarly ? "in/a#0.txt" : "in/a#1.txt");
+        const auto plant = [&] { std::filesystem::create_symlink(victim, planted); };
+        ZelDocumentController controller(services());
+        if (isEarly)
+            plant();
+        else
+            files.setHook([&](const FaultyFileManager::Operation& each) {
+                if (each.name == "newFileAtPath")
+                    plant();
+            });
+        controller.doConvertProcess(path);
+        mainLoop.mainQueue().drain();
+        files.setHook({});
+        EXPECT_EQ(readFile(victim), "kept");
+        EXPECT_TRUE(std::filesystem::is_symlink(planted));
+        EXPECT_EQ(readFile(path), isEarly ? after : before);
+        EXPECT_EQ(userInterface.alerts.size(), isEarly ? 0U : 1U);
+        folder.writeFile("in/a.txt", before);
+    }
+    EXPECT_THAT(userInterface.alerts.at(0).informativeText, HasSubstr("File exists"));
+}
+
+TEST_F(HostileTest, AFolderSwappedForALinkDoesNotLeadOutside) {
+    // The link that the user hands over is followed, those that come into the way later are not.
+    for (const bool isHandedOver : {true, false}) {
+        const TemporaryDirectory place;
+        for (const auto* name :
+             {"in/sub/deep/a.txt", "outside/deep/a.txt", "outside/sub/deep/a.txt"})
+            place.writeFile(name, before);
+        ZelDocumentController controller(services());
+        bool isFinished = false;
+        controller.setBatchFinishedHandler([&] { isFinished = true; });
+        if (isHandedOver) {
+            std::filesystem::create_directory_symlink(place / "outside", place / "link");
+            controller.addPath(place / "link/sub");
+        } else {
+            controller.addPath(place / "in");
+            std::filesystem::remove_all(place / "in/sub");
+            std::filesystem::create_directory_symlink(place / "outside", place / "in/sub");
+        }
+        ASSERT_TRUE(controller.wakeupThreadIfNeed());
+        ASSERT_TRUE(mainLoop.runUntil([&] { return isFinished; }));
+        EXPECT_EQ(readFile(place / "outside/deep/a.txt"), before);
+        EXPECT_EQ(readFile(place / "outside/sub/deep/a.txt"), isHandedOver ? after : before);
+        EXPECT_EQ(controller.failedCount(), isHandedOver ? 0U : 1U);
+    }
+    ASSERT_EQ(userInterface.alerts.size(), 1U);
+    EXPECT_THAT(userInterface.alerts[0].informativeText, HasSubstr("in/sub/deep/a.txt"));
+    EXPECT_THAT(userInterface.alerts[0].informativeText, HasSubstr("Not a directory"));
+}
+
+} // namespace
+} // namespace zelmora::test
