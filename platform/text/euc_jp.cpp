@@ -48,17 +48,10 @@ bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16
 }
 
 bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
-    const Octet* in = source;
-    char16_t* out = target;
-    bool decodes = true;
-    while (decodes && in < stop) {
-        if (usesWideKernels())
-            decodeEUCJPWindows(in, stop, out);
-        decodes = decodePlainly(in, endOfPlainPart(in, stop), end, out);
-    }
-    source = in;
-    target = out;
-    return decodes;
+    return convertInTurns(source, stop, target, decodeEUCJPWindows,
+                          [end](const Octet*& in, const Octet* pause, char16_t*& out) {
+                              return decodePlainly(in, pause, end, out);
+                          });
 }
 
 /// Encodes characters of JIS X 0208 as long as one follows another.

@@ -135,20 +135,18 @@ bool decodePlainly(Set& set, const Octet*& in, const Octet* stop, const Octet* e
 
 bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* end,
                 char16_t*& target) {
-    const Octet* in = source;
-    char16_t* out = target;
-    bool decodes = true;
-    while (decodes && in < stop) {
-        bool isDouble = set == Set::jisX0208;
-        if (usesWideKernels() && (isDouble || set == Set::ascii)) {
-            decodeISO2022JPWindows(isDouble, in, stop, out);
+    return convertInTurns(
+        source, stop, target,
+        [&set](const Octet*& in, const Octet* pause, char16_t*& out) {
+            if (set != Set::ascii && set != Set::jisX0208)
+                return;
+            bool isDouble = set == Set::jisX0208;
+            decodeISO2022JPWindows(isDouble, in, pause, out);
             set = isDouble ? Set::jisX0208 : Set::ascii;
-        }
-        decodes = decodePlainly(set, in, endOfPlainPart(in, stop), end, out);
-    }
-    source = in;
-    target = out;
-    return decodes;
+        },
+        [&set, end](const Octet*& in, const Octet* pause, char16_t*& out) {
+            return decodePlainly(set, in, pause, end, out);
+        });
 }
 
 /// The set in which the character of `code` (see JISTable) is written.

@@ -80,18 +80,15 @@ bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16
 
 template<Vendor vendor>
 bool decodeStep(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
-    const Octet* in = source;
-    char16_t* out = target;
-    bool decodes = true;
-    while (decodes && in < stop) {
-        if (usesWideKernels())
-            decodeShiftJISWindows(tableOf<vendor>()._cells, vendor == Vendor::microsoft, in, stop,
+    return convertInTurns(
+        source, stop, target,
+        [](const Octet*& in, const Octet* pause, char16_t*& out) {
+            decodeShiftJISWindows(tableOf<vendor>()._cells, vendor == Vendor::microsoft, in, pause,
                                   out);
-        decodes = decodePlainly<vendor>(in, endOfPlainPart(in, stop), end, out);
-    }
-    source = in;
-    target = out;
-    return decodes;
+        },
+        [end](const Octet*& in, const Octet* pause, char16_t*& out) {
+            return decodePlainly<vendor>(in, pause, end, out);
+        });
 }
 
 /// Whether `unit` may change the meaning of the one before it.
@@ -152,18 +149,15 @@ bool encodePlainly(const char16_t*& in, const char16_t* stop, const char16_t* en
 template<Vendor vendor>
 bool encodeStep(const char16_t*& source, const char16_t* stop, const char16_t* end,
                 Octet*& target) {
-    const char16_t* in = source;
-    Octet* out = target;
-    bool encodes = true;
-    while (encodes && in < stop) {
-        if (usesWideKernels())
-            encodeShiftJISWindows(tableOf<vendor>()._encode, vendor == Vendor::macintosh, in, stop,
+    return convertInTurns(
+        source, stop, target,
+        [](const char16_t*& in, const char16_t* pause, Octet*& out) {
+            encodeShiftJISWindows(tableOf<vendor>()._encode, vendor == Vendor::macintosh, in, pause,
                                   out);
-        encodes = encodePlainly<vendor>(in, endOfPlainPart(in, stop), end, out);
-    }
-    source = in;
-    target = out;
-    return encodes;
+        },
+        [end](const char16_t*& in, const char16_t* pause, Octet*& out) {
+            return encodePlainly<vendor>(in, pause, end, out);
+        });
 }
 
 template<Vendor vendor>

@@ -14,8 +14,6 @@ constexpr int kUnits = 16;
 
 /// The bytes of eight codes in the order in which they are written. Bit i of the index: code i is
 /// one byte.
-using Shuffle = std::array<uint8_t, 16>;
-
 constexpr std::array<Shuffle, 256> kWrittenBytes = [] {
     std::array<Shuffle, 256> shuffles{};
     for (unsigned singles = 0; singles < shuffles.size(); ++singles) {
@@ -50,8 +48,7 @@ ZELMORA_WIDE_PART bool encodeEight(const uint16_t* table, const char16_t* in, Oc
     const auto kinds = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isSingle, none)));
     if (kinds > 0xFF)
         return false;
-    const void* const shuffle = kWrittenBytes[kinds].data();
-    store(out, _mm_shuffle_epi8(codes, _mm_loadu_si128(static_cast<const __m128i*>(shuffle))));
+    store(out, shuffled(codes, kWrittenBytes[kinds]));
     out += 16 - std::popcount(kinds);
     return true;
 }

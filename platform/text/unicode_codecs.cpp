@@ -125,17 +125,10 @@ bool decodePlainly(const Octet*& in, const Octet* stop, const Octet* end, char16
 }
 
 bool decodeUTF8Step(const Octet*& source, const Octet* stop, const Octet* end, char16_t*& target) {
-    const Octet* in = source;
-    char16_t* out = target;
-    bool decodes = true;
-    while (decodes && in < stop) {
-        if (usesWideKernels())
-            decodeUTF8Windows(in, stop, out);
-        decodes = decodePlainly(in, endOfPlainPart(in, stop), end, out);
-    }
-    source = in;
-    target = out;
-    return decodes;
+    return convertInTurns(source, stop, target, decodeUTF8Windows,
+                          [end](const Octet*& in, const Octet* pause, char16_t*& out) {
+                              return decodePlainly(in, pause, end, out);
+                          });
 }
 
 /// Encodes from `in` to `stop` or past it; false at a lone surrogate.
@@ -157,17 +150,10 @@ bool encodePlainly(const char16_t*& in, const char16_t* stop, const char16_t* en
 
 bool encodeUTF8Step(const char16_t*& source, const char16_t* stop, const char16_t* end,
                     Octet*& target) {
-    const char16_t* in = source;
-    Octet* out = target;
-    bool encodes = true;
-    while (encodes && in < stop) {
-        if (usesWideKernels())
-            encodeUTF8Windows(in, stop, out);
-        encodes = encodePlainly(in, endOfPlainPart(in, stop), end, out);
-    }
-    source = in;
-    target = out;
-    return encodes;
+    return convertInTurns(source, stop, target, encodeUTF8Windows,
+                          [end](const char16_t*& in, const char16_t* pause, Octet*& out) {
+                              return encodePlainly(in, pause, end, out);
+                          });
 }
 
 bool isNativeOrder(bool littleEndian) {

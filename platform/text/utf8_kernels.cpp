@@ -87,8 +87,6 @@ ZELMORA_WIDE_PART int copyUnits(const uint16_t* units, uint64_t starts, char16_t
 
 /// The bytes to keep of four words, in each of which a character ends with the third byte. Bit i of
 /// the index: character i has fewer than three bytes; bit 4 + i: it has only one.
-using Shuffle = std::array<uint8_t, 16>;
-
 constexpr std::array<Shuffle, 256> kKeptBytes = [] {
     std::array<Shuffle, 256> shuffles{};
     for (unsigned kinds = 0; kinds < shuffles.size(); ++kinds) {
@@ -102,8 +100,7 @@ constexpr std::array<Shuffle, 256> kKeptBytes = [] {
 }();
 
 ZELMORA_WIDE_PART void keepBytes(__m128i words, unsigned kinds, Octet*& out) {
-    const void* const shuffle = kKeptBytes[kinds].data();
-    store(out, _mm_shuffle_epi8(words, _mm_loadu_si128(static_cast<const __m128i*>(shuffle))));
+    store(out, shuffled(words, kKeptBytes[kinds]));
     out += 12 - std::popcount(kinds);
 }
 

@@ -19,10 +19,23 @@ void setUsesWideKernels(bool wanted);
 
 constexpr std::ptrdiff_t kWindow = 64; ///< bytes or units that a kernel takes at a time
 
-/// Where the plain loop hands over to the kernel again; `stop` where there is none.
-template<typename Unit>
-const Unit* endOfPlainPart(const Unit* in, const Unit* stop) {
-    return usesWideKernels() ? in + std::min(kWindow, stop - in) : stop;
+/// The step of a codec (see chunks.h): moves `source` to `stop` or past it with `kernel(in, stop,
+/// out)` and `plain(in, pause, out)` in turns, the latter for a window at a time, or for all of it
+/// where there are no kernels. false as soon as `plain` answers false.
+template<typename In, typename Out, typename Kernel, typename Plain>
+bool convertInTurns(const In*& source, const In* stop, Out*& target, Kernel kernel, Plain plain) {
+    const bool isWide = usesWideKernels();
+    const In* in = source;
+    Out* out = target;
+    bool converts = true;
+    while (converts && in < stop) {
+        if (isWide)
+            kernel(in, stop, out);
+        converts = plain(in, isWide ? in + std::min(kWindow, stop - in) : stop, out);
+    }
+    source = in;
+    target = out;
+    return converts;
 }
 
 // Every kernel moves `in` past the whole characters it has taken, never past `stop`, and `out` past

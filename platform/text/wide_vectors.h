@@ -4,6 +4,7 @@
 #include "platform/text/text_tables.h"
 #include "platform/text/wide_kernels.h"
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <immintrin.h>
@@ -57,6 +58,14 @@ inline int takeLowestBit(uint64_t& bits) {
     const int lowest = std::countr_zero(bits);
     bits &= bits - 1;
     return lowest;
+}
+
+/// Which bytes of a vector are taken, in turn.
+using Shuffle = std::array<uint8_t, 16>;
+
+ZELMORA_WIDE_PART __m128i shuffled(__m128i bytes, const Shuffle& shuffle) {
+    const void* const by = shuffle.data();
+    return _mm_shuffle_epi8(bytes, _mm_loadu_si128(static_cast<const __m128i*>(by)));
 }
 
 /// The next eight units that `next()` answers.
