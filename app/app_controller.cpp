@@ -2,10 +2,26 @@
 
 #include "engine/settings.h"
 #include "foundation/orv_base.h"
+#include "platform/text/utf8.h"
 
 #include <utility>
 
 namespace zelmora {
+
+namespace {
+constexpr size_t mostLinesListed = 1000; // more than anyone reads through
+
+/// The character as itself, and its name for where no font has it.
+std::string shownCharacter(char32_t codePoint) {
+    std::u16string units;
+    if (codePoint > 0xFFFF)
+        units = {static_cast<char16_t>(0xD7C0 + (codePoint >> 10)),
+                 static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF))};
+    else
+        units = static_cast<char16_t>(codePoint);
+    return platform::utf8FromUTF16(units) + " (" + codePointName(codePoint) + ")";
+}
+} // namespace
 
 ZelAppController::ZelAppController(AppServices services) : _services(std::move(services)) {
     setupDefaults(_services);
@@ -18,6 +34,9 @@ void ZelAppController::setupDefaults(const AppServices& services) {
 void ZelAppController::applicationWillFinishLaunching() {
     OrvFoundationInitialize();
     _documentController = std::make_unique<ZelDocumentController>(_services.engine);
+    _documentController->setLostCharactersHandler(
+        [this](const LostCharacters& lost) { noteLostCharacters(lost); });
+    _documentController->setBatchFinishedHandler([this] { showLostCharacters(); });
     if (!systemCheck()) {
         alert("SystemError");
         _services.engine.userInterface.terminate();
@@ -46,6 +65,33 @@ void ZelAppController::openBatch(const std::vector<std::string>& paths) {
         _documentController->openDocumentWithContentsOfFile(*path);
     if (!isLeaving())
         _documentController->wakeupThreadIfNeed();
+}
+
+void ZelAppController::noteLostCharacters(const LostCharacters& lost) {
+    const auto& strings = _services.engine.strings;
+    const auto path = platform::displayPath(lost.path);
+    uint64_t unlisted = lost.count;
+    for (const auto& [line, column, codePoint, written] : lost.listed) {
+        if (_lostCharacters.size() == mostLinesListed)
+            break;
+        _lostCharacters.push_back(
+            strings.format(written.empty() ? "LostCharacterLeftOut" : "LostCharacterWritten",
+                           {path, std::to_string(line), std::to_string(column),
+                            shownCharacter(codePoint), written}));
+        --unlisted;
+    }
+    _lostCharactersUnlisted += unlisted;
+}
+
+void ZelAppController::showLostCharacters() {
+    const auto& strings = _services.engine.strings;
+    if (_lostCharactersUnlisted != 0)
+        _lostCharacters.push_back(
+            strings.format("LostCharactersMore", {std::to_string(_lostCharactersUnlisted)}));
+    for (const auto& each : _lostCharacters)
+        alert("LostCharacters", each);
+    _lostCharacters = {};
+    _lostCharactersUnlisted = 0;
 }
 
 platform::TerminateReply ZelAppController::applicationShouldTerminate() {

@@ -68,12 +68,16 @@ class ZelAppController : public platform::ApplicationDelegate {
 
   private:
     void openBatch(const std::vector<std::string>& paths);
+    void noteLostCharacters(const LostCharacters& lost);
+    void showLostCharacters();
     void openPage(const std::string& url);
     void alert(std::string_view key, const std::string& information = {});
 
     AppServices _services;
     std::unique_ptr<ZelDocumentController> _documentController;
     std::deque<std::vector<std::string>> _batches; ///< the first one is in hand
+    std::vector<std::string> _lostCharacters;      ///< what the list at the batch's end will say
+    uint64_t _lostCharactersUnlisted = 0;          ///< that are too many for it
     bool _hasAbandonedWorker = false;
 };
 

@@ -2,9 +2,6 @@
 
 #include "platform/text/utf8.h"
 
-#include <array>
-#include <cstdio>
-
 namespace zelmora {
 
 platform::Status LossReport::create() {
@@ -15,10 +12,11 @@ platform::Status LossReport::add(const LostCharacters& lost) {
     const std::string path = platform::terminalPath(lost.path);
     std::string lines;
     for (const auto& [line, column, codePoint, written] : lost.listed) {
-        std::array<char, 16> code{};
-        std::snprintf(code.data(), code.size(), "U+%04X", static_cast<unsigned>(codePoint));
         lines.append(path).append("\t").append(std::to_string(line));
-        lines.append("\t").append(std::to_string(column)).append("\t").append(code.data());
+        lines.append("\t")
+            .append(std::to_string(column))
+            .append("\t")
+            .append(codePointName(codePoint));
         lines.append("\t").append(written).append("\n");
     }
     if (lost.count > lost.listed.size())

@@ -160,10 +160,9 @@ void ZelDocumentController::convertQueuedFiles() {
             convertQueuedFile(*file);
             hasConverted = true;
         } else {
+            finishBatch(wakeupsSeen);
             if (hasConverted && _services.defaults.boolForKey(settings::autoQuit))
                 quitAutomatically(wakeupsSeen);
-            else
-                finishBatch(wakeupsSeen);
             _wakeupConversionThread->wait();
         }
     } while (!_shouldTerminateThread);

@@ -3,7 +3,16 @@
 #include "platform/text/utf8.h"
 #include "textutil/text_position.h"
 
+#include <array>
+#include <cstdio>
+
 namespace zelmora {
+
+std::string codePointName(char32_t codePoint) {
+    std::array<char, 16> name{};
+    std::snprintf(name.data(), name.size(), "U+%04X", static_cast<unsigned>(codePoint));
+    return name.data();
+}
 
 LostCharacters lostCharacters(const std::string& path, std::u16string_view text,
                               const platform::Alterations& alterations) {

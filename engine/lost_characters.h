@@ -25,6 +25,9 @@ struct LostCharacters {
     std::vector<LostCharacter> listed; ///< the first of them; see platform::Alterations
 };
 
+/// "U+" and the code point in four to six hexadecimal digits.
+[[nodiscard]] std::string codePointName(char32_t codePoint);
+
 /// Where in `text`, which was encoded, each of `alterations` stands.
 [[nodiscard]] LostCharacters lostCharacters(const std::string& path, std::u16string_view text,
                                             const platform::Alterations& alterations);

@@ -44,6 +44,41 @@ TEST_F(DesktopTest, AFailureIsReadBeforeTheApplicationEndsByItself) {
     EXPECT_EQ(readFile(folder / "good.txt"), "あ\n");
 }
 
+TEST_F(DesktopTest, LostCharactersAreListedOnceAtTheEndOfTheBatch) {
+    const auto first = folder.writeFile("a.txt", "あ\n🐱é葛\U000E0100\n");
+    const auto many = folder.writeFile(
+        "b.txt", std::string(2000, '\n') + [] {
+            std::string cats;
+            for (int i = 0; i < 1200; ++i)
+                cats += "🐱";
+            return cats;
+        }());
+    defaults.setBool(true, settings::autoQuit);
+    defaults.setInteger(1, settings::encodingCode);
+    ZelAppController controller(services());
+    application.setDelegate(controller);
+    std::vector<QStringList> lists;
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        auto* list = dynamic_cast<platform::MessageListWindow*>(QApplication::activeModalWidget());
+        if (!list)
+            return;
+        lists.push_back(list->text().split('\n', Qt::SkipEmptyParts));
+        list->accept();
+    });
+    user.start(5);
+    EXPECT_EQ(application.run({first, many}), 0);
+    ASSERT_EQ(lists.size(), 1U);
+    ASSERT_EQ(lists[0].size(), 1 + 1000 + 1); // a heading, what is listed, how many are not
+    EXPECT_EQ(lists[0][0].toStdString(), strings.stringForKey("LostCharacters"));
+    const auto line = [&](int index) { return lists[0][index].trimmed().toStdString(); };
+    EXPECT_EQ(line(1), first + ", line 2, column 1: 🐱 (U+1F431) became ?");
+    EXPECT_EQ(line(2), first + ", line 2, column 2: é (U+00E9) became e");
+    EXPECT_EQ(line(3), first + ", line 2, column 4: \U000E0100 (U+E0100) was left out");
+    EXPECT_EQ(line(4), many + ", line 2001, column 1: 🐱 (U+1F431) became ?");
+    EXPECT_EQ(line(1001), "And 203 more.");
+}
+
 TEST_F(DesktopTest, WhatComesBeforeItHasEndedByItselfIsConverted) {
     const std::string first = folder.writeFile("a.txt", "\x82\xa0\n");
     std::vector<std::string> late;
