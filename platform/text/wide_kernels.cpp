@@ -15,7 +15,7 @@ namespace {
 /// virtual machine.
 bool hasWideVectors() {
 #if defined(__x86_64__) && __has_include(<sys/platform/x86.h>)
-    return CPU_FEATURE_ACTIVE(AVX2) && CPU_FEATURE_ACTIVE(BMI1);
+    return CPU_FEATURE_ACTIVE(AVX2) && CPU_FEATURE_ACTIVE(BMI1) && CPU_FEATURE_ACTIVE(POPCNT);
 #else
     return false;
 #endif

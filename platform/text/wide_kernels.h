@@ -11,7 +11,7 @@
 
 namespace zelmora::platform {
 
-/// Whether the kernels may run: whether this processor has AVX2 and BMI1.
+/// Whether the kernels may run: whether this processor has AVX2, BMI1 and POPCNT.
 bool usesWideKernels();
 
 /// Turns the kernels off, and back on where the processor allows; for tests. For all threads.
