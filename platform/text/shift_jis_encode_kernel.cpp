@@ -39,6 +39,13 @@ ZELMORA_WIDE_PART bool hasSequenceMark(__m256i units) {
     return highBits(_mm256_or_si256(variants, circles)) != 0;
 }
 
+/// Whether all units are written as they are; where there are sequences, 5C is not.
+ZELMORA_WIDE_PART bool isASCII(__m256i units, bool hasSequences) {
+    if (_mm256_testz_si256(units, unitsOf(0xFF80)) == 0)
+        return false;
+    return !hasSequences || highBits(_mm256_cmpeq_epi16(units, unitsOf('\\'))) == 0;
+}
+
 /// Writes the codes of eight units; false if one of them has none.
 ZELMORA_WIDE_PART bool encodeEight(const uint16_t* table, const char16_t* in, Octet*& out) {
     const __m128i codes = takeEight([&] { return table[*in++]; });
@@ -62,15 +69,14 @@ ZELMORA_WIDE void encodeShiftJISWindows(const uint16_t* codes, bool hasSequences
     Octet* out = target;
     for (; stop - in > kUnits; in += kUnits) {
         const __m256i units = load(in);
-        const bool isASCII = _mm256_testz_si256(units, unitsOf(0xFF80)) != 0;
-        if (isASCII && !hasSequences) {
+        if (hasSequences && hasSequenceMark(load(in + 1)))
+            break;
+        if (isASCII(units, hasSequences)) {
             store(out, _mm_packus_epi16(_mm256_castsi256_si128(units),
                                         _mm256_extracti128_si256(units, 1)));
             out += kUnits;
             continue;
         }
-        if (hasSequences && hasSequenceMark(load(in + 1)))
-            break;
         Octet* next = out;
         if (!encodeEight(codes, in, next) || !encodeEight(codes, in + kUnits / 2, next))
             break;
