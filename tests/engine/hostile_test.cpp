@@ -25,11 +25,13 @@ TEST_F(HostileTest, ALinkAtTheTemporaryNameIsNotWrittenThrough) {
         const auto planted = folder / (isEarly ? "in/a#0.txt" : "in/a#1.txt");
         const auto plant = [&] { std::filesystem::create_symlink(victim, planted); };
         ZelDocumentController controller(services());
+        int tries = 0;
         if (isEarly)
             plant();
         else
             files.setHook([&](const FaultyFileManager::Operation& each) {
-                if (each.name == "newFileAtPath")
+                // The first name is tried, found taken, and another one is looked for.
+                if (each.name == "finishAtPath" && ++tries == 2)
                     plant();
             });
         controller.doConvertProcess(path);
