@@ -48,6 +48,7 @@ class Comparison:
 
     def __init__(self, programs, sizes, folder, where):
         self._convert = str(programs / "zelmora-convert")
+        self._no_folder_sync = f"LD_PRELOAD={programs / 'libno_folder_sync.so'}"
         self._sizes = sizes
         self._folder = folder
         self._where = where
@@ -169,12 +170,20 @@ class Comparison:
             "sed -i": Contender(["sed", "-i", r"s/\r$//", *paths], copy_tree),
             "cp": self._cp(self._tree, self._tree_out),
         }
+        if self._where == "disk":
+            ours = ["env", self._no_folder_sync, *self._ours("UTF-8", self._tree_work)]
+            contenders["names not synced"] = Contender(ours, copy_tree)
         median = times(contenders, self._sizes.runs)
         group = f"{count} files of 8 kB, {self._where}"
         goals = {"nkf": 8, "sed -i": 1} if self._where == "RAM" else {"nkf": 1.5}
         for peer in ("nkf", "sed -i"):
             yield Row.faster(group, "to UTF-8", peer, median["ours"], median[peer], goals.get(peer))
         yield Row.slower(group, "to UTF-8", "cp -r", median["ours"], median["cp"])
+        if self._where == "disk":
+            peer = "names not synced"
+            yield Row.slower(
+                group, "to UTF-8, safe from power cuts", peer, median["ours"], median[peer]
+            )
         shutil.rmtree(self._tree_work)
 
     def tiny_file(self):
