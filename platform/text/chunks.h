@@ -56,10 +56,11 @@ std::unique_ptr<TextDecoder> makeChunkDecoder(Step step) {
 /// has no code. A unit becomes at most `bytesPerUnit` bytes.
 template<size_t bytesPerUnit, typename Step>
 const char16_t* encodeInChunks(const char16_t* in, const char16_t* end, Bytes& bytes, Step step) {
+    constexpr std::ptrdiff_t kFirstChunk = 64; // many a run ends soon, at a unit without a code
     bool encodes = true;
-    while (encodes && in != end) {
+    for (std::ptrdiff_t chunk = kFirstChunk; encodes && in != end; chunk = kChunk) {
         const size_t size = bytes.size();
-        const std::ptrdiff_t count = std::min(kChunk, end - in);
+        const std::ptrdiff_t count = std::min(chunk, end - in);
         bytes.resize(size + bytesPerUnit * static_cast<size_t>(count + kStraddle));
         Octet* const begin = reinterpret_cast<Octet*>(bytes.data());
         Octet* out = begin + size;
