@@ -68,7 +68,8 @@ class Batch:
         self.backup = os.path.join(top, "backup")
         self.settings = os.path.join(top, "zelmora", "zelmora.plist")
         self.command = [program, self.folder]
-        self.environment = {"HOME": top, "XDG_CONFIG_HOME": top, "XDG_RUNTIME_DIR": top,
+        sanitizers = {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
+        self.environment = {**sanitizers, "HOME": top, "XDG_CONFIG_HOME": top, "XDG_RUNTIME_DIR": top,
                             "LC_ALL": "C", "QT_QPA_PLATFORM": "offscreen"}
         self.duration = self.time_taken()
 
