@@ -98,10 +98,10 @@ class FaultSwitch final : public SystemCallObserver {
 
 const Items names = {"a.txt", "b.txt", "c.txt"};
 
-/// One of the texts is so long that it is written in several pieces.
+/// One of the texts is so long that it is written in several pieces, by a thread of its own.
 std::string textOf(const std::string& name, const std::string& line) {
     std::string text = line;
-    for (int i = 0; i < (name == "b.txt" ? 200'000 : 1); ++i)
+    for (int i = 0; i < (name == "b.txt" ? 400'000 : 1); ++i)
         text += line;
     return text;
 }

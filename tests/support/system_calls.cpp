@@ -3,31 +3,44 @@
 #include <cerrno>
 #include <cstdarg>
 #include <fcntl.h>
+#include <mutex>
 #include <sys/stat.h>
 #include <sys/types.h>
-#include <utility>
 
 namespace zelmora::test {
 
 namespace {
 
-thread_local SystemCallObserver* theObserver = nullptr;
+std::mutex observerMutex; ///< held while the observer is asked
+SystemCallObserver* theObserver = nullptr;
+thread_local bool isObserversOwn = false;
+
+/// Asks the observer, whose own calls are not shown to it; 0 without one.
+template<typename Question>
+int ask(Question question) {
+    const std::lock_guard lock(observerMutex);
+    isObserversOwn = true;
+    const int answer = theObserver != nullptr ? question(*theObserver) : 0;
+    isObserversOwn = false;
+    return answer;
+}
 
 /// Makes a call by `make`, which takes the number of bytes, under the observer's eyes.
 template<typename Make>
 auto observed(SystemCall call, Make make) -> decltype(make(size_t())) {
-    SystemCallObserver* const observer = std::exchange(theObserver, nullptr);
-    if (observer == nullptr)
+    if (isObserversOwn)
         return make(call.count);
-    int code = observer->before(call);
+    int code = ask([&](SystemCallObserver& observer) { return observer.before(call); });
     decltype(make(size_t())) answer = -1;
     if (code == 0 || call.kind == CallKind::close)
         answer = make(call.count);
     if (code == 0 && answer < 0)
         code = errno;
     if (code == 0)
-        observer->after(call, answer);
-    theObserver = observer;
+        ask([&](SystemCallObserver& observer) {
+            observer.after(call, answer);
+            return 0;
+        });
     errno = code;
     return code == 0 ? answer : -1;
 }
@@ -35,10 +48,12 @@ auto observed(SystemCall call, Make make) -> decltype(make(size_t())) {
 } // namespace
 
 ObservedSystemCalls::ObservedSystemCalls(SystemCallObserver& observer) {
+    const std::lock_guard lock(observerMutex);
     theObserver = &observer;
 }
 
 ObservedSystemCalls::~ObservedSystemCalls() {
+    const std::lock_guard lock(observerMutex);
     theObserver = nullptr;
 }
 

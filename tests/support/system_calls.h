@@ -46,8 +46,8 @@ class SystemCallObserver {
     virtual void after(const SystemCall&, int64_t /*answer*/) {}
 };
 
-/// Shows this thread's system calls to an observer for as long as it lives. The observer's own are
-/// not shown.
+/// Shows the program's system calls to an observer for as long as it lives, those of all threads,
+/// one at a time. The observer's own are not shown.
 class ObservedSystemCalls {
   public:
     explicit ObservedSystemCalls(SystemCallObserver& observer);
