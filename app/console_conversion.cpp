@@ -62,7 +62,7 @@ void ConsoleConversion::noteLostCharacters(const LostCharacters& lost) {
         failReport(added.error());
 }
 
-/// Once it has failed, the report is given up: half of it would look whole.
+/// Once it has failed, the report is given up: with lines behind a gap it would look whole.
 void ConsoleConversion::failReport(const platform::Error& error) {
     ++_tally.failed;
     _report = nullptr;
