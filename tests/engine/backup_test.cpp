@@ -8,12 +8,10 @@
 #include <cerrno>
 #include <gmock/gmock.h>
 #include <new>
-#include <sys/stat.h>
 
 namespace zelmora::test {
 namespace {
 
-using Items = std::vector<std::string>;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
@@ -30,16 +28,14 @@ class BackupTest : public EngineTest {
     BackupManager manager{services()};
 };
 
-TEST_F(BackupTest, OffMeansNoWindowNoCopyNoLog) {
-    defaults.setBool(false, settings::autoBackup);
-    const auto path = folder.writeFile("a.txt", "a");
-    EXPECT_TRUE(manager.backupPath(path));
-    EXPECT_EQ(folder.items(), Items{"a.txt"});
-    EXPECT_EQ(userInterface.events, Items());
-}
-
 TEST_F(BackupTest, CopyIsMadeBehindItsWindowAndLogged) {
     folder.writeFile("docs/sub/a.txt", "a");
+    defaults.setBool(false, settings::autoBackup);
+    EXPECT_TRUE(manager.backupPath(folder / "docs"));
+    EXPECT_EQ(folder.items(), (Items{"docs/", "docs/sub/", "docs/sub/a.txt"}));
+    EXPECT_EQ(userInterface.events, Items());
+
+    defaults.setBool(true, settings::autoBackup);
     EXPECT_TRUE(manager.backupPath(folder / "docs"));
     EXPECT_EQ(readFile(folder / "backup/docs/sub/a.txt"), "a");
     EXPECT_EQ(userInterface.events,
@@ -48,58 +44,52 @@ TEST_F(BackupTest, CopyIsMadeBehindItsWindowAndLogged) {
     EXPECT_EQ(userInterface.openModalSessions, 0);
     EXPECT_THAT(logText(), EndsWith(" Backup Success Source:" + folder / "docs" +
                                     " Copy:" + folder / "backup/docs" + "\n"));
-}
 
-TEST_F(BackupTest, HomeFolderIsExpanded) {
     setenv("HOME", folder.path().c_str(), 1);
     defaults.setObject(std::string("~/kept/here"), settings::backupDataDir);
-    EXPECT_TRUE(manager.backupPath(folder.writeFile("a.txt", "a")));
-    EXPECT_EQ(readFile(folder / "kept/here/a.txt"), "a");
+    EXPECT_TRUE(manager.backupPath(folder / "docs"));
+    EXPECT_EQ(readFile(folder / "kept/here/docs/sub/a.txt"), "a");
 }
 
 TEST_F(BackupTest, TakenNameFollowsTheSetting) {
     const struct {
-        const char* source;
+        std::string source;
         Items taken;
         int64_t action;
         bool answer;
-        const char* copy; ///< where the new copy is; null for no copy
+        std::string copy; ///< where the new copy is; empty for no copy
     } cases[] = {
-        {"memo.txt", {"memo.txt"}, 0, true, nullptr},
+        {"memo.txt", {"memo.txt"}, 0, true, ""},
         {"memo.txt", {"memo.txt"}, 1, true, "memo.txt"},
-        {"memo.txt", {"memo.txt"}, 2, true, "memo1.txt"},
         {"memo.txt", {"memo.txt", "memo1.txt"}, 2, true, "memo2.txt"},
         {"archive.tar.gz", {"archive.tar.gz"}, 2, true, "archive.tar1.gz"},
         {"README", {"README"}, 2, true, "README1"},
-        {"memo.txt", {"memo.txt"}, 3, false, nullptr},
-        {"memo.txt", {"memo.txt"}, -1, false, nullptr},
+        {"memo.txt", {"memo.txt"}, 3, false, ""},
+        {"memo.txt", {}, 3, true, "memo.txt"},
         {"docs.d/x", {"docs.d/old"}, 2, true, "docs.d1/x"},
         {"docs.d/x", {"docs.d/old"}, 1, true, "docs.d/x"},
-        {"docs.d/x", {"docs.d/old"}, 0, true, nullptr},
-        {"memo.txt", {}, 3, true, "memo.txt"},
+        {"docs.d/x", {"docs.d/old"}, 0, true, ""},
     };
     for (const auto& each : cases) {
+        SCOPED_TRACE(each.source + " " + std::to_string(each.action));
         const TemporaryDirectory place;
-        place.writeFile("in/" + std::string(each.source), "new");
+        place.writeFile("in/" + each.source, "new");
         for (const auto& name : each.taken)
             place.writeFile("backup/" + name, "old");
         const auto itemsBefore = place.items();
         defaults.setObject(place / "backup", settings::backupDataDir);
         defaults.setObject(place / "log/log", settings::logFilePath);
         defaults.setInteger(each.action, settings::actionForDupBackupFiles);
-        const auto source = std::string(each.source);
-        const auto item = place / ("in/" + source.substr(0, source.find('/')));
-        EXPECT_EQ(manager.backupPath(item), each.answer) << source << " " << each.action;
-        if (each.copy != nullptr) {
-            EXPECT_EQ(readFile(place / ("backup/" + std::string(each.copy))), "new") << each.copy;
+        const auto item = place / ("in/" + each.source.substr(0, each.source.find('/')));
+        EXPECT_EQ(manager.backupPath(item), each.answer);
+        if (!each.copy.empty()) {
+            EXPECT_EQ(readFile(place / ("backup/" + each.copy)), "new");
         }
         for (const auto& name : each.action == 1 ? Items() : each.taken)
-            EXPECT_EQ(readFile(place / ("backup/" + name)), "old") << name << each.action;
-        const bool isLogged = readFile(place / "log/log") != "<none>";
-        EXPECT_EQ(isLogged, each.copy != nullptr || !each.answer) << source << " " << each.action;
-        if (!isLogged) {
-            EXPECT_EQ(place.items(), itemsBefore) << source;
-        }
+            EXPECT_EQ(readFile(place / ("backup/" + name)), "old") << name;
+        // What is neither copied nor refused leaves no trace.
+        EXPECT_EQ(place.items() != itemsBefore, !each.copy.empty() || !each.answer);
+        EXPECT_EQ(readFile(place / "log/log") != "<none>", !each.copy.empty() || !each.answer);
     }
 }
 
@@ -109,46 +99,44 @@ TEST_F(BackupTest, ImpossibleBackupIsRefusedWithAnAlert) {
     const struct {
         const char* what;
         std::string source, backup;
-        const char* failing; ///< an operation made to fail, or null
-        bool isLogged;
+        std::function<void(const FaultyFileManager::Operation&)> hook;
     } cases[] = {
-        {"no folder set", folder / "in", "", nullptr, false},
-        {"a file where the folder should be", folder / "in", folder / "plain", nullptr, true},
-        {"a file above it", folder / "in", folder / "plain/x", nullptr, true},
-        {"inside what is backed up", folder / "in", folder / "in/backup", nullptr, true},
-        {"no source", folder / "gone", folder / "backup", nullptr, true},
-        {"a failing copy", folder / "in", folder / "backup", "copyItemAtPath", true},
+        {"no folder set", folder / "in", "", nullptr},
+        {"a file where the folder should be", folder / "in", folder / "plain", nullptr},
+        {"a file above it", folder / "in", folder / "plain/x", nullptr},
+        {"inside what is backed up", folder / "in", folder / "in/backup", nullptr},
+        {"no source", folder / "gone", folder / "backup", nullptr},
+        {"a failing copy", folder / "in", folder / "backup",
+         [this](const auto&) { files.failEvery("copyItemAtPath", ENOSPC); }},
+        {"memory runs out", folder / "in", folder / "backup",
+         [](const auto& operation) {
+             if (operation.name == "copyItemAtPath")
+                 throw std::bad_alloc();
+         }},
     };
     for (const auto& each : cases) {
+        SCOPED_TRACE(each.what);
         userInterface.alerts.clear();
         defaults.setObject(each.backup, settings::backupDataDir);
-        if (each.failing != nullptr)
-            files.failEvery(each.failing, ENOSPC);
+        files.setHook(each.hook);
         const auto logBefore = logText();
-        EXPECT_FALSE(manager.backupPath(each.source)) << each.what;
-        ASSERT_EQ(userInterface.alerts.size(), 1U) << each.what;
-        EXPECT_THAT(userInterface.alerts[0].informativeText, HasSubstr(each.source)) << each.what;
-        EXPECT_EQ(logText() != logBefore, each.isLogged) << each.what;
-        EXPECT_EQ(userInterface.openModalSessions, 0) << each.what;
+        EXPECT_FALSE(manager.backupPath(each.source));
+        ASSERT_EQ(userInterface.alerts.size(), 1U);
+        EXPECT_THAT(userInterface.alerts[0].informativeText, HasSubstr(each.source));
+        EXPECT_EQ(logText() != logBefore, !each.backup.empty());
+        EXPECT_EQ(userInterface.openModalSessions, 0);
     }
-    files.setHook([](const FaultyFileManager::Operation& operation) {
-        if (operation.name == "copyItemAtPath")
-            throw std::bad_alloc();
-    });
-    EXPECT_FALSE(manager.backupPath(folder / "in")) << "memory runs out";
-    EXPECT_EQ(userInterface.alerts.size(), 2U) << "memory runs out";
     EXPECT_THAT(logText(), ::testing::Not(HasSubstr("Success")));
     EXPECT_EQ(readFile(folder / "in/a.txt"), "a");
 }
 
 TEST_F(BackupTest, ReplacingNeverDeletesTheSourceItself) {
     defaults.setInteger(1, settings::actionForDupBackupFiles);
-    const auto inBackup = folder.writeFile("backup/a.txt", "only copy");
-    EXPECT_FALSE(manager.backupPath(inBackup));
-    EXPECT_EQ(readFile(inBackup), "only copy");
-    const auto nested = folder.writeFile("backup/docs/docs/b.txt", "only copy");
-    EXPECT_FALSE(manager.backupPath(folder / "backup/docs/docs"));
-    EXPECT_EQ(readFile(nested), "only copy");
+    for (const std::string name : {"backup/a.txt", "backup/docs/docs"}) {
+        const auto source = folder.writeFile(name, "only copy");
+        EXPECT_FALSE(manager.backupPath(source));
+        EXPECT_EQ(readFile(source), "only copy");
+    }
 }
 
 TEST_F(BackupTest, PathWithoutBackupIsNotQueuedAndTheNextOneIs) {

@@ -13,9 +13,6 @@
 namespace zelmora::test {
 namespace {
 
-using Items = std::vector<std::string>;
-using namespace std::string_literals;
-
 class ConversionTest : public EngineTest {
   protected:
     /// Converts the file and runs what that has scheduled.
@@ -23,52 +20,15 @@ class ConversionTest : public EngineTest {
         controller.doConvertProcess(path);
         mainLoop.mainQueue().drain();
     }
+    static std::string alertOf(const std::string& path, const std::string& why) {
+        return "A file could not be converted.|" + path + " was not converted. " + why;
+    }
     void set(std::string_view key, int64_t value) { defaults.setInteger(value, key); }
 
     ZelDocumentController controller{services()};
 };
 
-// "表" is 95 5C in Shift_JIS, C9 BD in EUC-JP, E8 A1 A8 in UTF-8, U+8868.
-TEST_F(ConversionTest, SettingsDecideWhatAFileBecomes) {
-    const struct {
-        const char* what;
-        std::string source;
-        int64_t encoding, lineBreak;
-        bool littleEndian, putBOM, katakana;
-        std::string expected;
-    } cases[] = {
-        {"Shift_JIS to UTF-8", "\x95\x5c\r\nA\r\n", 4, 1, 0, 0, 0, "\xe8\xa1\xa8\nA\n"},
-        {"with a mark", "\x95\x5c", 4, 0, 0, 1, 0, "\xef\xbb\xbf\xe8\xa1\xa8"},
-        {"to UTF-16BE", "\x95\x5c\n", 5, 3, 0, 1, 0, "\xfe\xff\x88\x68\0\r\0\n"s},
-        {"to UTF-16LE", "\x95\x5c\n", 5, 4, 1, 0, 0, "\x68\x88\x28\x20"},
-        {"to UTF-32LE", "\x95\x5c", 6, 0, 1, 1, 0, "\xff\xfe\0\0\x68\x88\0\0"s},
-        {"to EUC-JP", "\x95\x5c\r", 3, 1, 0, 1, 0, "\xc9\xbd\n"},
-        {"to ISO-2022-JP", "\x95\x5c\r\n", 2, 2, 0, 0, 0, "\x1b$BI=\x1b(B\r"},
-        {"everything kept", "\xff\xfe\x68\x88\r\0\n\0"s, 0, 0, 0, 0, 0,
-         "\xff\xfe\x68\x88\r\0\n\0"s},
-        {"kept as UTF-8 with its mark", "\xef\xbb\xbf\xe8\xa1\xa8", 0, 0, 0, 0, 0,
-         "\xef\xbb\xbf\xe8\xa1\xa8"},
-        {"no line break to convert", "abc", 4, 2, 0, 0, 0, "abc"},
-        {"only the first kind of line break", "a\r\nb\n", 4, 2, 0, 0, 0, "a\rb\n"},
-        {"half-width katakana", "\x95\x5c\xb6\xde", 1, 0, 0, 0, 1, "\x95\x5c\x83\x4b"},
-        {"empty", "", 4, 1, 0, 1, 0, "\xef\xbb\xbf"},
-        {"a character Shift_JIS does not have", "\xe8\xa1\xa8\xf0\x9f\x90\xb1", 1, 0, 0, 0, 0,
-         "\x95\x5c?"},
-    };
-    for (const auto& each : cases) {
-        set(settings::encodingCode, each.encoding);
-        set(settings::lineBreakCode, each.lineBreak);
-        defaults.setBool(each.littleEndian, settings::littleEndian);
-        defaults.setBool(each.putBOM, settings::putBOM);
-        defaults.setBool(each.katakana, settings::halfToFullKatakana);
-        const auto path = folder.writeFile("a.txt", each.source);
-        convert(path);
-        EXPECT_EQ(readFile(path), each.expected) << each.what;
-        EXPECT_EQ(folder.items(), Items{"a.txt"}) << each.what;
-    }
-    EXPECT_EQ(alertTexts(), Items());
-}
-
+// "表" is 95 5C in Shift_JIS, E8 A1 A8 in UTF-8.
 TEST_F(ConversionTest, ShiftJISMappingsAreChosenForReadingAndWriting) {
     // 81 60 is U+FF5E to Windows and U+301C to the Macintosh; both write their own back.
     for (const int64_t mapping : {0, 1, 2, -1}) {
@@ -86,56 +46,44 @@ TEST_F(ConversionTest, ShiftJISMappingsAreChosenForReadingAndWriting) {
 
 TEST_F(ConversionTest, FileThatCannotBeConvertedIsReportedAndLeft) {
     const auto bad = folder.writeFile("bad.txt", "\x81\x40 \x81"); // cut in a character
-    convert(bad);
-    convert(folder / "none.txt");
-    ASSERT_EQ(mkfifo((folder / "fifo.txt").c_str(), 0600), 0);
-    convert(folder / "fifo.txt");
-    folder.writeFile("folder.txt/x", "");
-    convert(folder / "folder.txt");
-    const auto alertOf = [](const std::string& path, const std::string& why) {
-        return "A file could not be converted.|" + path + " was not converted. " + why;
-    };
-    EXPECT_EQ(alertTexts(),
-              (Items{alertOf(bad, "Its bytes are not valid Shift_JIS."),
-                     alertOf(folder / "none.txt", "It cannot be read: No such file or directory."),
-                     alertOf(folder / "fifo.txt", "It is not a file that holds text."),
-                     alertOf(folder / "folder.txt", "It cannot be read: Is a directory.")}));
-    EXPECT_EQ(readFile(bad), "\x81\x40 \x81");
-    EXPECT_EQ(controller.failedCount(), 4U);
-    EXPECT_EQ(folder.items(), (Items{"bad.txt", "fifo.txt", "folder.txt/", "folder.txt/x"}));
-}
-
-TEST_F(ConversionTest, FileTooLargeForTheMemoryFailsByItself) {
     const auto large = folder.writeFile("large.txt", "\x95\x5c");
-    const auto small = folder.writeFile("small.txt", "\x95\x5c");
+    folder.writeFile("folder.txt/x", "");
+    const auto good = folder.writeFile("good.txt", "\x95\x5c");
+    ASSERT_EQ(mkfifo((folder / "fifo.txt").c_str(), 0600), 0);
     files.setHook([&](const FaultyFileManager::Operation& each) {
         if (each.path == large)
             throw std::bad_alloc();
     });
-    convert(large);
-    convert(small);
-    EXPECT_EQ(alertTexts(), (Items{"A file could not be converted.|" + large +
-                                   " was not converted. It cannot be read: Cannot allocate "
-                                   "memory."}));
+    Items expected;
+    for (const auto& [name, why] : {
+             std::pair{"bad.txt", "Its bytes are not valid Shift_JIS."},
+             {"none.txt", "It cannot be read: No such file or directory."},
+             {"fifo.txt", "It is not a file that holds text."},
+             {"folder.txt", "It cannot be read: Is a directory."},
+             {"large.txt", "It cannot be read: Cannot allocate memory."},
+         }) {
+        convert(folder / name);
+        expected.push_back(alertOf(folder / name, why));
+    }
+    convert(good);
+    EXPECT_EQ(alertTexts(), expected);
+    EXPECT_EQ(controller.failedCount(), 5U);
+    EXPECT_EQ(readFile(bad), "\x81\x40 \x81");
     EXPECT_EQ(readFile(large), "\x95\x5c");
-    EXPECT_EQ(readFile(small), "\xe8\xa1\xa8");
+    EXPECT_EQ(readFile(good), "\xe8\xa1\xa8");
+    EXPECT_EQ(folder.items(), (Items{"bad.txt", "fifo.txt", "folder.txt/", "folder.txt/x",
+                                     "good.txt", "large.txt"}));
 }
 
-/// Shift_JIS of more than a few pieces, all lines alike.
-std::string largeText() {
-    std::string text;
-    while (text.size() < 1'500'000)
-        text += "\x95\x5c\xb6\xde A\r\n";
-    return text;
-}
-
-TEST_F(ConversionTest, LargeTextIsConvertedInPiecesAsIfItWereWhole) {
+TEST_F(ConversionTest, EverySettingAndLengthInPiecesAsIfItWereWhole) {
     const OrvTextUtilityPrivate utility;
-    for (unsigned seed = 0; seed < 60; ++seed) {
+    for (unsigned seed = 0; seed < 90; ++seed) {
         std::mt19937 random(seed);
         set(settings::encodingCode, random() % 7);
         set(settings::lineBreakCode, random() % 5);
-        defaults.setBool(random() % 2 == 0, settings::halfToFullKatakana);
+        for (const auto key :
+             {settings::halfToFullKatakana, settings::littleEndian, settings::putBOM})
+            defaults.setBool(random() % 2 == 0, key);
         std::u16string text;
         for (size_t lines = random() % 40; lines > 0; --lines) {
             text.append(random() % (seed % 4 == 0 ? 70'000 : 9'000), u"a漢ｶﾊ"[random() % 4]);
@@ -143,14 +91,18 @@ TEST_F(ConversionTest, LargeTextIsConvertedInPiecesAsIfItWereWhole) {
         }
         if (seed % 5 == 0)
             text += u"\U0001F600"; // only Unicode holds it
-        const OrvEncodingInfo record{.encoding = OrvEncoding::utf8, .hasBOM = true};
+        const OrvEncodingInfo record{seed % 2 == 0 ? OrvEncoding::utf8 : OrvEncoding::utf16,
+                                     OrvByteOrder(seed % 2), true};
         const auto path =
             folder.writeFile("a.txt", platform::charsOf(*utility.dataWithString(text, record)));
         convert(path);
 
         auto wanted = record;
         if (const auto code = defaults.integerForKey(settings::encodingCode); code != 0)
-            wanted = {.encoding = OrvEncoding(code), .byteOrder = OrvByteOrder::littleEndian};
+            wanted = {OrvEncoding(code),
+                      defaults.boolForKey(settings::littleEndian) ? OrvByteOrder::littleEndian
+                                                                  : OrvByteOrder::bigEndian,
+                      defaults.boolForKey(settings::putBOM)};
         wanted.characterMapping = OrvCharacterMapping::windows;
         const auto to = OrvLineBreak(defaults.integerForKey(settings::lineBreakCode));
         const auto from = utility.lineBreakTypeOfString(text);
@@ -167,7 +119,9 @@ TEST_F(ConversionTest, LargeTextIsConvertedInPiecesAsIfItWereWhole) {
 }
 
 TEST_F(ConversionTest, WhatFailsLateInALargeTextLeavesNothingBehind) {
-    const std::string text = largeText();
+    std::string text; // of more than a few pieces
+    while (text.size() < 1'500'000)
+        text += "\x95\x5c\xb6\xde A\r\n";
     const struct {
         const char* what;
         std::string source;
@@ -185,9 +139,7 @@ TEST_F(ConversionTest, WhatFailsLateInALargeTextLeavesNothingBehind) {
         files.failEvery("write", each.writeCode);
         const auto path = folder.writeFile("a.txt", each.source);
         convert(path);
-        EXPECT_EQ(alertTexts(), (Items{"A file could not be converted.|" + path +
-                                       " was not converted. " + each.why}))
-            << each.what;
+        EXPECT_EQ(alertTexts(), Items{alertOf(path, each.why)}) << each.what;
         EXPECT_TRUE(readFile(path) == each.source) << each.what;
         EXPECT_EQ(folder.items(), Items{"a.txt"}) << each.what;
     }

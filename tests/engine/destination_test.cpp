@@ -9,36 +9,24 @@
 namespace zelmora::test {
 namespace {
 
-using Items = std::vector<std::string>;
-
 class DestinationTest : public EngineTest {
   protected:
+    void set(std::string_view key, const char* text) { defaults.setObject(std::string(text), key); }
+
     ZelDocumentController controller{services()};
 };
 
 TEST_F(DestinationTest, TemporaryNameIsFirstFreeSibling) {
-    const struct {
-        const char* source;
-        std::vector<const char*> taken;
-        const char* expected;
-    } cases[] = {
-        {"report.txt", {}, "report#0.txt"},
-        {"report.txt", {"report#0.txt"}, "report#1.txt"},
-        {"report.txt", {"report#0.txt", "report#2.txt"}, "report#1.txt"},
-        {"README", {}, "README#0"},
-        {".profile", {}, ".profile#0"},
-        {".a.txt", {}, ".a#0.txt"},
-        {"a.tar.gz", {}, "a.tar#0.gz"},
-        {"a.", {}, "a#0"},
-        {"\xff\xfe.txt", {}, "\xff\xfe#0.txt"},
+    for (const auto* name : {"b#0.txt", "b#2.txt"})
+        folder.writeFile(name, "");
+    const std::pair<const char*, const char*> cases[] = {
+        {"a.txt", "a#0.txt"},   {"b.txt", "b#1.txt"},
+        {"README", "README#0"}, {".profile", ".profile#0"},
+        {".a.txt", ".a#0.txt"}, {"a.tar.gz", "a.tar#0.gz"},
+        {"a.", "a#0"},          {"\xff\xfe.txt", "\xff\xfe#0.txt"},
     };
-    for (const auto& each : cases) {
-        const TemporaryDirectory place;
-        for (const auto* name : each.taken)
-            place.writeFile(name, "");
-        EXPECT_EQ(controller.dstPathForSrcPath(place / each.source), place / each.expected)
-            << each.source;
-    }
+    for (const auto& [source, expected] : cases)
+        EXPECT_EQ(controller.dstPathForSrcPath(folder / source), folder / expected) << source;
 }
 
 TEST_F(DestinationTest, FinalNameFollowsTheExtensionSettings) {
@@ -47,22 +35,21 @@ TEST_F(DestinationTest, FinalNameFollowsTheExtensionSettings) {
         int64_t convert;
         const char* extension;
         int64_t adding;
-        const char* taken; ///< a name taken beforehand, or null
         Items expected;
+        const char* taken = nullptr; ///< a name taken beforehand
     } cases[] = {
-        {"a.txt", 0, "html", 2, nullptr, {"a.txt"}},
-        {"a.txt", 1, "html", 1, nullptr, {"a.txt.html"}},
-        {"a.txt", 1, "html", 2, nullptr, {"a.html"}},
-        {"a.txt", 1, "html", 0, nullptr, {"a.txt"}},
-        {"a.txt", 1, "html", 2, "a.html", {"a#0.html", "a.html"}},
-        {"a.HTML", 1, "html", 2, nullptr, {"a.HTML"}},
-        {"README", 1, "html", 0, nullptr, {"README.html"}},
-        {"README", 1, "", 2, nullptr, {"README"}},
-        {"a.txt", 1, "", 2, nullptr, {"a.txt"}},
-        {"a.txt", 1, "x/../../b", 2, nullptr, {"a.txt"}},
-        {"a.txt", 2, "", 0, nullptr, {"a"}},
-        {"a.txt", 2, "", 0, "a", {"a", "a#0"}},
-        {".profile", 2, "", 0, nullptr, {".profile"}},
+        {"a.txt", 0, "html", 2, {"a.txt"}},
+        {"a.txt", 1, "html", 1, {"a.txt.html"}},
+        {"a.txt", 1, "html", 2, {"a.html"}},
+        {"a.txt", 1, "html", 0, {"a.txt"}},
+        {"a.txt", 1, "html", 2, {"a#0.html", "a.html"}, "a.html"},
+        {"a.HTML", 1, "html", 2, {"a.HTML"}},
+        {"README", 1, "html", 0, {"README.html"}},
+        {"a.txt", 1, "", 2, {"a.txt"}},
+        {"a.txt", 1, "x/../../b", 2, {"a.txt"}},
+        {"a.txt", 2, "", 0, {"a"}},
+        {"a.txt", 2, "", 0, {"a", "a#0"}, "a"},
+        {".profile", 2, "", 0, {".profile"}},
     };
     for (const auto& each : cases) {
         const TemporaryDirectory place;
@@ -71,7 +58,7 @@ TEST_F(DestinationTest, FinalNameFollowsTheExtensionSettings) {
         const auto source = place.writeFile(each.source, "old");
         const auto converted = place.writeFile("converted", "new");
         defaults.setInteger(each.convert, settings::convertExtension);
-        defaults.setObject(std::string(each.extension), settings::extensionOfDstFiles);
+        set(settings::extensionOfDstFiles, each.extension);
         defaults.setInteger(each.adding, settings::actionForAddingExtension);
         EXPECT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
         EXPECT_EQ(place.items(), each.expected) << each.source << " " << each.extension;
@@ -113,48 +100,38 @@ TEST_F(DestinationTest, HFSCodesFollowTheSettings) {
         const auto converted = folder.writeFile("a#0.txt", "new");
         ASSERT_TRUE(disk.setHFSCodes(sourceCodes, source).ok());
         defaults.setInteger(each.creatorAction, settings::actionForCreator);
-        defaults.setObject(std::string(each.creator), settings::creatorCode);
+        set(settings::creatorCode, each.creator);
         defaults.setInteger(each.typeAction, settings::actionForFileType);
-        defaults.setObject(std::string(each.type), settings::fileType);
+        set(settings::fileType, each.type);
         ASSERT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
         EXPECT_EQ(disk.hfsCodesOfItemAtPath(source).value(), each.expected) << each.creator;
     }
-}
-
-TEST_F(DestinationTest, CodesAndStringsConvertBothWays) {
     EXPECT_EQ(FourCharCodeFromString(std::nullopt), 0U);
-    EXPECT_EQ(FourCharCodeFromString(u""), 0U);
-    EXPECT_EQ(FourCharCodeFromString(u"TEXT"), 0x54455854U);
-    EXPECT_EQ(FourCharCodeFromString(u"ab"), 0x61622020U);
-    EXPECT_EQ(FourCharCodeFromString(u"TEXTURE"), 0x54455854U);
     EXPECT_EQ(StringFromFourCharCode(0), u"");
-    EXPECT_EQ(StringFromFourCharCode(0x61622020), u"ab  ");
     EXPECT_EQ(StringFromFourCharCode(0xFF000041), std::u16string(u"\u00ff\0\0A", 4));
 }
 
 TEST_F(DestinationTest, FailedStepLeavesOneWholeFile) {
-    const struct {
-        const char* operation;
-        Items expected;
-    } cases[] = {
+    const std::pair<const char*, Items> cases[] = {
         {"hfsCodesOfItemAtPath", {"a#0.txt", "a.txt"}},
         {"setHFSCodes", {"a#0.txt", "a.txt"}},
         {"removeFileAtPath", {"a#0.txt", "a.txt"}},
         {"moveItemAtPath", {"a#0.txt"}},
     };
-    for (const auto& each : cases) {
+    defaults.setInteger(1, settings::actionForCreator); // or there are none to set
+    set(settings::creatorCode, "ab");
+    for (const auto& [operation, expected] : cases) {
+        SCOPED_TRACE(operation);
         const TemporaryDirectory place;
         const auto source = place.writeFile("a.txt", "old");
         const auto converted = place.writeFile("a#0.txt", "new");
-        defaults.setInteger(1, settings::actionForCreator); // or there are none to set
-        defaults.setObject(std::string("ab"), settings::creatorCode);
-        files.failEvery(each.operation, EIO);
+        files.failEvery(operation, EIO);
         const auto status = controller.doConvertProcessPostDstPath(converted, source);
-        files.failEvery(each.operation, 0);
-        ASSERT_FALSE(status.ok()) << each.operation;
-        EXPECT_EQ(status.error().code, EIO) << each.operation;
-        EXPECT_EQ(place.items(), each.expected) << each.operation;
-        EXPECT_EQ(readFile(converted), "new") << each.operation;
+        files.failEvery(operation, 0);
+        ASSERT_FALSE(status.ok());
+        EXPECT_EQ(status.error().code, EIO);
+        EXPECT_EQ(place.items(), expected);
+        EXPECT_EQ(readFile(converted), "new");
     }
 }
 

@@ -18,6 +18,8 @@
 
 namespace zelmora::test {
 
+using Items = std::vector<std::string>;
+
 /// A main loop for a test's own thread.
 class TestRunLoop final : public platform::RunLoop {
   public:

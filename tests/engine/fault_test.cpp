@@ -17,7 +17,6 @@
 namespace zelmora::test {
 namespace {
 
-using Items = std::vector<std::string>;
 using ::testing::AnyOf;
 using ::testing::HasSubstr;
 

@@ -1,7 +1,6 @@
 // Somebody plants links while a batch runs: nothing outside what was handed over is touched.
 
 #include "engine/document_controller.h"
-#include "engine/settings.h"
 #include "engine_fixture.h"
 
 #include <filesystem>
@@ -11,37 +10,30 @@ namespace zelmora::test {
 namespace {
 
 using ::testing::HasSubstr;
+using HostileTest = EngineTest;
 
 const std::string before = "\x95\x5c\n";
 const std::string after = "\xe8\xa1\xa8\n";
 
-using HostileTest = EngineTest;
-
 TEST_F(HostileTest, ALinkAtTheTemporaryNameIsNotWrittenThrough) {
     const auto victim = folder.writeFile("victim", "kept");
-    const auto path = folder.writeFile("in/a.txt", before);
+    ZelDocumentController controller(services());
     // There before the name is chosen: the next name is taken. There after that: it is an error.
     for (const bool isEarly : {true, false}) {
+        const auto path = folder.writeFile("in/a.txt", before);
         const auto planted = folder / (isEarly ? "in/a#0.txt" : "in/a#1.txt");
-        const auto plant = [&] { std::filesystem::create_symlink(victim, planted); };
-        ZelDocumentController controller(services());
-        int tries = 0;
-        if (isEarly)
-            plant();
-        else
-            files.setHook([&](const FaultyFileManager::Operation& each) {
-                // The first name is tried, found taken, and another one is looked for.
-                if (each.name == "finishAtPath" && ++tries == 2)
-                    plant();
-            });
+        // The first name is tried, found taken, and another one is looked for.
+        int triesLeft = isEarly ? 1 : 2;
+        files.setHook([&](const FaultyFileManager::Operation& each) {
+            if (each.name == (isEarly ? "contentsAtPath" : "finishAtPath") && --triesLeft == 0)
+                std::filesystem::create_symlink(victim, planted);
+        });
         controller.doConvertProcess(path);
         mainLoop.mainQueue().drain();
-        files.setHook({});
         EXPECT_EQ(readFile(victim), "kept");
         EXPECT_TRUE(std::filesystem::is_symlink(planted));
         EXPECT_EQ(readFile(path), isEarly ? after : before);
         EXPECT_EQ(userInterface.alerts.size(), isEarly ? 0U : 1U);
-        folder.writeFile("in/a.txt", before);
     }
     EXPECT_THAT(userInterface.alerts.at(0).informativeText, HasSubstr("File exists"));
 }
