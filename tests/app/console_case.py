@@ -63,9 +63,9 @@ class ConsoleCase(unittest.TestCase):
 
     def run_console(self, *arguments, language="C", **options):
         """Runs the program in the files' folder; its stdout and stderr are bytes."""
-        return subprocess.run(self.command(*arguments), cwd=self.folder, timeout=60,
+        return subprocess.run(self.command(*arguments), cwd=self.folder, timeout=60, check=False,
                               env=self.environment(language), stdin=subprocess.DEVNULL,
-                              capture_output=True, check=False, **options)
+                              **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
 
     def convert(self, *arguments, **options):
         """run_console without a backup."""

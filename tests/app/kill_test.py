@@ -11,6 +11,7 @@ a disk.
 """
 
 import os
+import pathlib
 import plistlib
 import random
 import re
@@ -36,105 +37,79 @@ def leaves_nothing_unnamed(folder):
         return False
 
 
-def problems_in(folder, scratch_allowed):
-    """What is wrong, and how many files are converted."""
-    found = {}
-    for name in os.listdir(folder):
-        with open(os.path.join(folder, name), "rb") as file:
-            found[name] = file.read()
-    problems, converted = [], 0
-    for name, old in OLD.items():
-        temporary = name.replace(".", "#0.")
-        own, other = found.pop(name, None), found.pop(temporary, None)
-        converted += own == NEW[name]
-        if own is None and other is None:
-            problems.append(f"{name} is gone")
-        if own not in (None, old, NEW[name]):
-            problems.append(f"{name} is neither as it was nor converted")
-        if other not in (None, NEW[name]):
-            problems.append(f"{temporary} is not whole")
-    for name in found:
-        if not (scratch_allowed and re.fullmatch(r"\.zlm\d+-\d+", name)):
-            problems.append(f"{name} is left over")
-    return problems, converted
+def contents_of(folder):
+    return {path.name: path.read_bytes() for path in folder.iterdir()} if folder.exists() else None
 
 
 class Batch:
     """One folder of sources, made anew for each round, and the program that converts it."""
 
     def __init__(self, program, top):
-        os.mkdir(top)
-        self.folder = os.path.join(top, "files")
-        self.backup = os.path.join(top, "backup")
-        self.settings = os.path.join(top, "zelmora", "zelmora.plist")
+        self.folder, self.backup, self.settings = top / "files", top / "backup", top / "zelmora/zelmora.plist"
+        self.settings.parent.mkdir(parents=True)
         self.command = [program, self.folder]
         sanitizers = {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
         self.environment = {**sanitizers, "HOME": top, "XDG_CONFIG_HOME": top, "XDG_RUNTIME_DIR": top,
                             "LC_ALL": "C", "QT_QPA_PLATFORM": "offscreen"}
-        self.duration = self.time_taken()
-
-    def make(self):
-        shutil.rmtree(self.folder, ignore_errors=True)
-        shutil.rmtree(self.backup, ignore_errors=True)
-        os.mkdir(self.folder)
-        for name, contents in OLD.items():
-            with open(os.path.join(self.folder, name), "wb") as file:
-                file.write(contents)
+        begin = time.monotonic()
+        status = self.start(with_backup=True).wait()
+        assert status == 0, f"a batch that nobody killed ended with {status}"
+        self.duration = time.monotonic() - begin
 
     def start(self, with_backup):
-        os.makedirs(os.path.dirname(self.settings), exist_ok=True)
-        with open(self.settings, "wb") as file:
-            plistlib.dump({"encodingCode": 4, "autoBackup": with_backup, "backupDataDir": self.backup,
-                           "autoQuit": True, "displayManualAlert": True}, file)
+        for folder in (self.folder, self.backup):
+            shutil.rmtree(folder, ignore_errors=True)
+        self.folder.mkdir()
+        for name, contents in OLD.items():
+            (self.folder / name).write_bytes(contents)
+        self.settings.write_bytes(plistlib.dumps(
+            {"encodingCode": 4, "autoBackup": with_backup, "backupDataDir": str(self.backup),
+             "autoQuit": True, "displayManualAlert": True}))
         return subprocess.Popen(self.command, env=self.environment, stderr=subprocess.DEVNULL)
 
-    def time_taken(self):
-        self.make()
-        start = time.monotonic()
-        status = self.start(True).wait()
-        assert status == 0, f"a batch that nobody killed ended with {status}"
-        return time.monotonic() - start
-
-
-def problems_in_backup(backup):
-    copy = os.path.join(backup, "files")
-    if not os.path.isdir(copy):
-        return []
-    found = {}
-    for name in os.listdir(copy):
-        with open(os.path.join(copy, name), "rb") as file:
-            found[name] = file.read()
-    return [] if found == OLD else ["the backup is not whole"]
+    def problems(self, scratch_allowed):
+        """What is wrong, and how many files are converted."""
+        found = contents_of(self.folder)
+        problems, converted = [], 0
+        for name, old in OLD.items():
+            temporary = name.replace(".", "#0.")
+            own, other = found.pop(name, None), found.pop(temporary, None)
+            converted += own == NEW[name]
+            if own is None and other is None:
+                problems.append(f"{name} is gone")
+            if own not in (None, old, NEW[name]):
+                problems.append(f"{name} is neither as it was nor converted")
+            if other not in (None, NEW[name]):
+                problems.append(f"{temporary} is not whole")
+        problems += [f"{name} is left over" for name in found
+                     if not (scratch_allowed and re.fullmatch(r"\.zlm\d+-\d+", name))]
+        if contents_of(self.backup / "files") not in (None, OLD):
+            problems.append("the backup is not whole")
+        return problems, converted
 
 
 def main():
-    programs = [os.path.abspath(each) for each in sys.argv[1:3]]
     rounds = int(sys.argv[3]) if len(sys.argv) > 3 else 200
-    top = tempfile.mkdtemp(prefix="zelmora-kill-", dir=os.environ.get("ZELMORA_KILL_DIR"))
     seed = random.randrange(1 << 32)
     moments = random.Random(seed)
     failures = midway = 0
-    try:
-        console, desktop = (Batch(program, os.path.join(top, str(number)))
-                            for number, program in enumerate(programs))
+    with tempfile.TemporaryDirectory(prefix="zelmora-kill-", dir=os.environ.get("ZELMORA_KILL_DIR")) as top:
+        console, desktop = (Batch(os.path.abspath(program), pathlib.Path(top, str(number)).absolute())
+                            for number, program in enumerate(sys.argv[1:3]))
         scratch_allowed = not leaves_nothing_unnamed(top)
         for number in range(rounds):
             batch = desktop if number % 4 == 3 else console
-            batch.make()
             process = batch.start(with_backup=moments.random() < 0.5)
             time.sleep(moments.uniform(0, batch.duration))
             process.kill()
             process.wait()
-            problems, converted = problems_in(batch.folder, scratch_allowed)
-            problems += problems_in_backup(batch.backup)
+            problems, converted = batch.problems(scratch_allowed)
             midway += 0 < converted < len(OLD)
             # How fast the disk is changes under us.
             batch.duration *= 0.95 if converted == len(OLD) else 1.02
             failures += len(problems)
             for problem in problems:
                 print(f"round {number}: {problem}")
-    finally:
-        shutil.rmtree(top)
     print(f"{rounds} rounds from seed {seed}, {midway} of them in the middle of the conversions, "
           f"{failures} problems")
     # Kills that come too early or too late every time would prove nothing.

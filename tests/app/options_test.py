@@ -6,7 +6,6 @@
 
 import os
 import plistlib
-import subprocess
 
 import console_case
 from console_case import TEXT
@@ -20,27 +19,23 @@ TEXTS = [
     ("", TEXT.encode()),
     ("--encoding keep", SOURCE),
     ("--encoding=shift_jis --line-break lf", SOURCE.replace(b"\r", b"")),
-    ("--encoding EUC-JP --katakana", TEXT.replace("ﾊﾟﾝ", "パン").replace("①髙", "").encode("euc_jp")),
     ("--encoding utf-8 --bom", b"\xef\xbb\xbf" + TEXT.encode()),
-    ("--encoding utf-16", TEXT.encode("utf-16-le")),
-    ("--encoding utf16 --byte-order big --bom", BE_MARK + TEXT.encode("utf-16-be")),
+    ("--encoding utf16", TEXT.encode("utf-16-le")),
+    ("--encoding utf-16 --byte-order big --bom", BE_MARK + TEXT.encode("utf-16-be")),
     ("--encoding utf-32 --byte-order little --bom", LE_MARK + b"\0\0" + TEXT.encode("utf-32-le")),
-    ("--line-break cr", TEXT.replace("\r\n", "\r").encode()),
-    ("--line-break ls", TEXT.replace("\r\n", "\u2028").encode()),
-    ("--line-break lf --line-break keep", TEXT.encode()),
-    ("--encoding utf-16 --mapping windows", TEXT.encode("utf-16-le")),
+    ("--line-break cr --katakana", TEXT.replace("\r\n", "\r").replace("ﾊﾟﾝ", "パン").encode()),
+    ("--line-break ls --line-break keep", TEXT.encode()),
+    ("--mapping windows --encoding shift_jis", SOURCE),
     # Settings by name, and the last of those that contradict each other.
     ("--set encodingCode=5 --set littleEndian=NO", TEXT.encode("utf-16-be")),
     ("--set encodingCode=5 --encoding utf-8", TEXT.encode()),
     ("--encoding utf-8 --set encodingCode=5", TEXT.encode("utf-16-le")),
     ("--bom --no-bom", TEXT.encode()),
     ("--no-bom --set putBOM=1", b"\xef\xbb\xbf" + TEXT.encode()),
-    ("--bom --set putBOM=false", TEXT.encode()),
     # Which files.
-    ("--ext=", SOURCE),
-    ("--ext html,css", SOURCE),
+    ("--ext=", None),
+    ("--ext html,css", None),
     ("--ext html,TXT", TEXT.encode()),
-    ("--set nameExtensionArray=", SOURCE),
 ]
 
 # Refused with status 2 before anything is touched; what the first line says of it.
@@ -48,20 +43,13 @@ REFUSED = [
     (["--set", "nothing=1"], "Unknown setting: nothing"),
     (["--set", "putBOM"], "Not KEY=VALUE: putBOM"),
     (["--set", "putBOM=maybe"], "Bad value for putBOM: maybe"),
-    (["--set", "putBOM="], "Bad value for putBOM: "),
-    (["--set", "encodingCode=4.5"], "Bad value for encodingCode: 4.5"),
-    (["--set", "encodingCode=99999999999999999999"],
-     "Bad value for encodingCode: 99999999999999999999"),
-    (["--set", "nameExtensionArray=.txt"], "Bad value for nameExtensionArray: .txt"),
     (["--set", "a\x1b[2J=1"], "Unknown setting: a\\x1B[2J"),
     (["--encoding", "latin1"], "Bad value for --encoding: latin1"),
-    (["--encoding="], "Bad value for --encoding: "),
-    (["--line-break", "LFCR"], "Bad value for --line-break: LFCR"),
+    (["--line-break="], "Bad value for --line-break: "),
     (["--ext", "txt,"], "Bad value for --ext: txt,"),
     (["--backup", ""], "Bad value for --backup: "),
     (["--log="], "Bad value for --log: "),
     (["--report="], "Bad value for --report: "),
-    (["--bogus"], "Unknown option: --bogus"),
     (["-x"], "Unknown option: -x"),
     (["--bom=NO"], "Option takes no value: --bom"),
     (["--bom", "--bogus", "--encoding", "utf-8"], "Unknown option: --bogus"),
@@ -74,17 +62,12 @@ PATHS = ["[a,b].txt", "[a.txt]", "{}", "%%", "++", "-5.txt", "--help", "--", "a 
 class OptionsTest(console_case.ConsoleCase):
     def test_options_decide_what_a_text_becomes(self):
         for options, expected in TEXTS:
-            source = SOURCE
-            if "EUC" in options:  # Python's EUC-JP has no rows of vendors
-                source = SOURCE.replace(b"\x87\x40\xfb\xfc", b"")
             with self.subTest(options=options):
-                self.write(b"a.txt", source)
-                converted = 0 if expected == SOURCE and "keep" not in options else 1
+                self.write(b"a.txt", SOURCE)
                 run = self.convert(*options.split(), "a.txt")
-                self.assert_run(run, 0, b"%d converted, 0 failed" % converted)
-                self.assertEqual(run.stderr.count(b"\n"), 1, run.stderr)
-                self.assertEqual(run.stdout, b"")
-                self.assertEqual(self.tree(), {b"a.txt": expected})
+                self.assert_run(run, 0, b"%d converted, 0 failed" % (expected is not None))
+                self.assertEqual((run.stdout, run.stderr.count(b"\n")), (b"", 1))
+                self.assertEqual(self.tree(), {b"a.txt": expected or SOURCE})
 
     def test_what_makes_no_sense_is_refused(self):
         self.write(b"a.txt", SOURCE)
@@ -111,31 +94,27 @@ class OptionsTest(console_case.ConsoleCase):
                 os.remove(self.path(name))
 
     def test_paths_that_are_not_there_fail_and_the_others_are_converted(self):
-        for name in ("", "nothing", "nothing.txt", "a.txt/b.txt", "[b.txt]"):
+        for name in ("", "nothing", "a.txt/b.txt", "[b.txt]"):
             with self.subTest(name=name):
                 self.write(b"a.txt", SOURCE)
                 self.write(b"b.txt", SOURCE)
                 run = self.convert(name, "a.txt")
                 self.assert_run(run, 1, b"1 converted, 1 failed")
-                self.assertIn(b"A file could not be converted.\n", run.stderr)
                 self.assertIn(b" was not converted. It cannot be read: No", run.stderr)
                 self.assertEqual(self.tree(), {b"a.txt": TEXT.encode(), b"b.txt": SOURCE})
 
     def test_declarations_follow_the_encoding(self):
         for name, option, before, after in [
-            ("a.html", "--html", "<html><head></head>", '<html><head><meta http-equiv="content-type" '
-             'content="text/html; charset=UTF-8"></head>'),
-            ("a.css", "--css", "p { color: red }\n", '@charset "UTF-8";\np { color: red }\n'),
-            ("a.xml", "--xml", "<?xml version='1.0' encoding='Shift_JIS'?>", None),
+            (b"a.html", "--html", b"<head></head>", b'<head><meta http-equiv="Content-Type" '
+             b'content="text/html; charset=UTF-8"></head>'),
+            (b"a.css", "--css", b"p { color: red }\n", b'@charset "UTF-8";\np { color: red }\n'),
+            (b"a.xml", "--xml", b"<?xml version='1.0' encoding='x'?>",
+             b'<?xml version="1.0" encoding="UTF-8"?>'),
         ]:
             with self.subTest(name=name):
-                self.write(name.encode(), before.encode())
+                self.write(name, before)
                 self.assert_run(self.convert(option, name), 0)
-                got = self.read(name.encode()).decode()
-                if after is None:
-                    self.assertRegex(got, "^<[?]xml .*encoding=.UTF-8.")
-                else:
-                    self.assertEqual(got.lower(), after.lower())
+                self.assertEqual(self.read(name), after)
 
     def test_saved_settings_hold_until_the_command_line_says_otherwise(self):
         self.assert_run(self.run_console("--save", "--encoding", "utf-16", "--set", "autoBackup=NO"), 0)
@@ -184,17 +163,14 @@ class OptionsTest(console_case.ConsoleCase):
             if not last_line:
                 self.assertIn(b"this exists: " + self.path(b"lost.tsv"), run.stderr)
                 self.assertEqual(self.tree(), before)
+        run = self.convert("--report", "nowhere/lost.tsv", "b.txt")
+        self.assert_run(run, 1, b"0 converted, 1 failed")  # without what was asked for
+        self.assertEqual(self.tree(), before)
         self.assertEqual(self.read(b"a\t.txt").decode("cp932"), "表\r\nがe\n?, 表\u3000?")
         name = self.path(b"a\\t.txt").decode()
         self.assertEqual([line.split("\t") for line in self.read(b"lost.tsv").decode().splitlines()],
                          [[name, "2", "3", "U+00E9", "e"], [name, "3", "1", "U+1F431", "?"],
                           [name, "3", "6", "U+1F431", "?"]])
-
-    def test_without_the_report_that_was_asked_for_nothing_is_converted(self):
-        self.write(b"a.txt", SOURCE)
-        run = self.convert("--report", "nowhere/lost.tsv", "a.txt")
-        self.assert_run(run, 1, b"0 converted, 1 failed")
-        self.assertEqual(self.tree(), {b"a.txt": SOURCE})
 
     def test_words(self):
         for language, summary, usage in [("C", "1 converted, 0 failed", "Usage: "),
@@ -212,9 +188,7 @@ class OptionsTest(console_case.ConsoleCase):
         self.assertEqual(self.convert("--quiet", "a.txt").stderr, b"")
         with open("/dev/full", "wb") as full:
             for option in ("--help", "--version"):
-                run = subprocess.run(self.command(option), stdout=full, check=False,
-                                                  env=self.environment())
-                self.assertEqual(run.returncode, 1, option)
+                self.assert_run(self.run_console(option, stdout=full), 1)
 
 
 console_case.main()

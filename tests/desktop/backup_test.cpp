@@ -47,17 +47,29 @@ class SlowBackupTest : public DesktopTest {
         during.start(1);
     }
     void release() { released.set_value(); }
+    void handOver(const std::vector<std::string>& names) {
+        controller.applicationWillFinishLaunching();
+        std::vector<std::string> paths;
+        for (const auto& name : names)
+            paths.push_back(folder / name);
+        controller.applicationOpenFiles(paths);
+    }
+    bool runUntilConverted(const std::string& name) {
+        return runUntil([&] { return readFile(folder / name) == "あ\n"; });
+    }
+    void end() {
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
+    }
     /// The copies and conversions in their order: "copy a.txt", "read a.txt".
     [[nodiscard]] std::vector<std::string> steps() const {
         std::vector<std::string> steps;
         for (const auto& [name, path] : slowFiles.operations()) {
-            if (!path.starts_with(folder.path() + "/"))
-                continue;
-            const auto item = path.substr(folder.path().size() + 1);
-            if (name == "copyItemAtPath")
-                steps.push_back("copy " + item);
-            else if (name == "contentsAtPath")
-                steps.push_back("read " + item);
+            const char* step = name == "copyItemAtPath"   ? "copy "
+                               : name == "contentsAtPath" ? "read "
+                                                          : nullptr;
+            if (step != nullptr && path.starts_with(folder.path() + "/"))
+                steps.push_back(step + path.substr(folder.path().size() + 1));
         }
         return steps;
     }
@@ -79,9 +91,7 @@ class SlowBackupTest : public DesktopTest {
 
 TEST_F(SlowBackupTest, TheWindowIsDrawnAndKeepsTheInputToItself) {
     PaintCounter paints;
-    bool hasTicked = false;
     whileCopying = [&] {
-        hasTicked = true;
         auto* window = QApplication::activeModalWidget();
         ASSERT_NE(window, nullptr);
         EXPECT_TRUE(window->isVisible());
@@ -94,12 +104,10 @@ TEST_F(SlowBackupTest, TheWindowIsDrawnAndKeepsTheInputToItself) {
         EXPECT_TRUE(window->isVisible());
         release();
     };
-    controller.applicationWillFinishLaunching();
-    controller.applicationOpenFiles({folder / "a.txt"});
-    EXPECT_TRUE(hasTicked);
-    EXPECT_TRUE(runUntil([&] { return readFile(folder / "a.txt") == "あ\n"; }));
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-    EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
+    handOver({"a.txt"});
+    EXPECT_TRUE(runUntilConverted("a.txt"));
+    EXPECT_GT(paints.count, 0);
+    end();
 }
 
 TEST_F(SlowBackupTest, WhatIsDroppedMeanwhileIsHandledAfterwardsInOrder) {
@@ -109,9 +117,8 @@ TEST_F(SlowBackupTest, WhatIsDroppedMeanwhileIsHandledAfterwardsInOrder) {
         EXPECT_THAT(steps(), ElementsAre()) << "the copy in hand is noted at its end";
         release();
     };
-    controller.applicationWillFinishLaunching();
-    controller.applicationOpenFiles({folder / "a.txt", folder / "b.txt"});
-    EXPECT_TRUE(runUntil([&] { return readFile(folder / "d.txt") == "あ\n"; }));
+    handOver({"a.txt", "b.txt"});
+    EXPECT_TRUE(runUntilConverted("d.txt"));
     std::vector<std::string> copies;
     for (const auto& step : steps()) {
         if (step.starts_with("copy"))
@@ -121,7 +128,7 @@ TEST_F(SlowBackupTest, WhatIsDroppedMeanwhileIsHandledAfterwardsInOrder) {
     }
     EXPECT_EQ(steps().size(), 8U) << "each is copied and read once";
     EXPECT_THAT(copies, ElementsAre("copy a.txt", "copy b.txt", "copy c.txt", "copy d.txt"));
-    EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
+    end();
 }
 
 TEST_F(SlowBackupTest, QuittingWaitsForTheCopyInHandAndBeginsNoOther) {
@@ -141,14 +148,12 @@ TEST_F(SlowBackupTest, AnAlertThatComesMeanwhileWaitsAndJoinsThoseOfTheBatch) {
         userInterface.runModal({"of the worker", "one"});
         QTimer::singleShot(20, [this] { release(); });
     };
-    controller.applicationWillFinishLaunching();
     answerBoxes("OK");
-    controller.applicationOpenFiles({folder / "a.txt", folder / "gone.txt", folder / "lost.txt"});
+    handOver({"a.txt", "gone.txt", "lost.txt"});
     EXPECT_EQ(boxTexts, std::vector<std::string>()) << "shown in the middle of the batch";
     EXPECT_TRUE(runUntil([&] { return !boxTexts.empty(); }));
     EXPECT_THAT(boxTexts, ElementsAre("of the worker"));
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-    EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
+    end();
 }
 
 } // namespace

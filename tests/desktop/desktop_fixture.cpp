@@ -71,8 +71,8 @@ void DesktopTest::answerShownBox() {
     for (auto* button : shown->findChildren<QAbstractButton*>()) {
         if (button->text().remove('&').toStdString() != _answer)
             continue;
-        boxTexts.push_back(
-            (question ? question->text() : alerts->text().section('\n', 0, 0)).toStdString());
+        lastList = question ? question->text() : alerts->text();
+        boxTexts.push_back(lastList.section('\n', 0, 0).toStdString());
         button->click();
         return;
     }

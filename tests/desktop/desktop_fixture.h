@@ -36,7 +36,7 @@ class DesktopTest : public ::testing::Test {
     /// Runs events until `condition` holds; NO when it still does not after 20 seconds.
     static bool runUntil(const std::function<bool()>& condition);
     /// From now on answers questions and alerts with the button titled `title` as they come, and
-    /// notes the first line of each in `boxTexts`.
+    /// notes the first line of each in `boxTexts`, all of an alert in `lastList`.
     void answerBoxes(const std::string& title);
 
     TemporaryDirectory folder;
@@ -48,6 +48,7 @@ class DesktopTest : public ::testing::Test {
     platform::DesktopUserInterface userInterface{{bundle, files, defaults, application}};
     RecordingWorkspace workspace;
     std::vector<std::string> boxTexts;
+    QString lastList;
 
   private:
     void answerShownBox();

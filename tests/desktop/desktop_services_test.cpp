@@ -1,8 +1,11 @@
 // What the desktop gives the program besides windows: sleep, other programs, the session's end.
 
+#include "app/settings_summary.h"
 #include "desktop_fixture.h"
+#include "engine/settings.h"
 #include "platform/desktop/desktop_workspace.h"
 #include "platform/desktop/end_requests.h"
+#include "platform/desktop/main_window.h"
 
 #include <QDesktopServices>
 #include <QSessionManager>
@@ -21,21 +24,25 @@ class URLTaker : public QObject {
 
 namespace {
 
-TEST_F(DesktopTest, SleepsWhileThereIsNothingToDo) {
+TEST_F(DesktopTest, SleepsWhileThereIsNothingToDoAndEndsWithTheSession) {
     ZelAppController controller(services());
     application.setDelegate(controller);
+    platform::EndRequests requests([&] { userInterface.terminate(); });
+    auto* session = qApp->findChild<QSessionManager*>();
+    ASSERT_NE(session, nullptr);
     auto& loop = application.runLoop();
     int turns = 0;
     platform::RunLoop::ObserverID observer = 0;
     QTimer::singleShot(300, [&] { // all that a launch brings is done
         observer = loop.addObserver(platform::RunLoop::beforeWaiting,
                                     [&](platform::RunLoop::Activity) { ++turns; });
-        QTimer::singleShot(500, [&] { userInterface.terminate(); });
+        QTimer::singleShot(500, [&] { emit qApp->commitDataRequest(*session); });
     });
     EXPECT_EQ(application.run({}), 0);
     loop.removeObserver(observer);
     EXPECT_GE(turns, 1);
     EXPECT_LE(turns, 10) << "in half a second of idleness";
+    EXPECT_EQ(session->restartHint(), QSessionManager::RestartNever);
 }
 
 TEST_F(DesktopTest, FilesAndPagesGoToTheUsersPrograms) {
@@ -52,30 +59,39 @@ TEST_F(DesktopTest, FilesAndPagesGoToTheUsersPrograms) {
     EXPECT_FALSE(desktop.openURL("https://zelmora.example/")) << "nobody takes it any more";
 }
 
-TEST_F(DesktopTest, SaysWhenAPageCannotBeOpened) {
-    ZelAppController controller(services());
-    const auto failed = strings.stringForKey("FailedOpenPage");
-    for (const bool isTaken : {true, false}) {
-        workspace.answer = isTaken;
-        answerBoxes("OK");
-        controller.openSupportSite();
-        EXPECT_TRUE(isTaken || runUntil([&] { return boxTexts.size() == 1; }));
-        controller.openContactPage();
-        EXPECT_TRUE(isTaken || runUntil([&] { return boxTexts.size() == 2; }));
+TEST_F(DesktopTest, TheSummaryFollowsTheSettings) {
+    const struct {
+        int encoding, lineBreak;
+        bool isBackedUp;
+        std::string english, japanese;
+    } cases[] = {
+        {0, 0, false, "encoding kept, line breaks kept, no backup",
+         "文字コードはそのまま、改行はそのまま、バックアップなし"},
+        {1, 1, true, "to Shift_JIS, LF, backup on", "Shift_JIS に変換、LF、バックアップあり"},
+        {2, 2, true, "to ISO-2022-JP, CR, backup on", "ISO-2022-JP に変換、CR、バックアップあり"},
+        {3, 3, false, "to EUC-JP, CRLF, no backup", "EUC-JP に変換、CRLF、バックアップなし"},
+        {4, 4, true, "to UTF-8, LS, backup on", "UTF-8 に変換、LS、バックアップあり"},
+        {7, 5, true, "encoding kept, line breaks kept, backup on", // what no one can choose
+         "文字コードはそのまま、改行はそのまま、バックアップあり"},
+    };
+    for (const std::string language : {"en", "ja"}) {
+        const auto words = bundle.localizedStrings(files, language).value();
+        platform::MainWindow window(words, {});
+        const SettingsSummary summary(defaults, words, application.runLoop(),
+                                      [&](const std::string& text) { window.setSummary(text); });
+        const auto* shown = window.findChild<QLabel*>("summary");
+        EXPECT_FALSE(shown->text().isEmpty());
+        for (const auto& each : cases) {
+            defaults.setInteger(each.encoding, settings::encodingCode);
+            defaults.setInteger(each.lineBreak, settings::lineBreakCode);
+            defaults.setBool(each.isBackedUp, settings::autoBackup);
+            QCoreApplication::processEvents();
+            EXPECT_EQ(shown->text().toStdString(), language == "en" ? each.english : each.japanese);
+        }
+        // The change is told to none that has gone before its turn comes.
+        defaults.setInteger(4, settings::encodingCode);
     }
-    EXPECT_EQ(boxTexts, (std::vector<std::string>{failed, failed}));
-    EXPECT_EQ(workspace.opened.back(), workspace.opened.front() + "/contact.php");
-}
-
-TEST_F(DesktopTest, EndsWithTheSession) {
-    ZelAppController controller(services());
-    application.setDelegate(controller);
-    platform::EndRequests requests([&] { userInterface.terminate(); });
-    auto* session = qApp->findChild<QSessionManager*>();
-    ASSERT_NE(session, nullptr);
-    QTimer::singleShot(0, [&] { emit qApp->commitDataRequest(*session); });
-    EXPECT_EQ(application.run({}), 0);
-    EXPECT_EQ(session->restartHint(), QSessionManager::RestartNever);
+    QCoreApplication::processEvents();
 }
 
 } // namespace

@@ -107,22 +107,25 @@ void expectScreenReaderNamesAll(QWidget& window) {
     }
 }
 
-void expectTextsAreWhole(QWidget& window) {
+/// Whether `widget` has all the room it asks for.
+template<typename Widget>
+void expectWhole(const QWidget& window) {
+    for (const auto* widget : visibleChildren<Widget>(window)) {
+        const auto* label = qobject_cast<const QLabel*>(widget);
+        const QSize wanted = label && label->wordWrap()
+                                 ? QSize(0, label->heightForWidth(label->width()))
+                                 : widget->minimumSizeHint().expandedTo(widget->sizeHint());
+        EXPECT_LE(wanted.width(), widget->width()) << named(*widget);
+        EXPECT_LE(wanted.height(), widget->height()) << named(*widget);
+    }
+}
+
+void expectTextsAreWhole(const QWidget& window) {
     EXPECT_LE(window.width(), kSmallScreen.width());
     EXPECT_LE(window.height(), kSmallScreen.height());
-    for (const auto* label : visibleChildren<QLabel>(window)) {
-        const bool isWhole = label->wordWrap()
-                                 ? label->heightForWidth(label->width()) <= label->height()
-                                 : label->sizeHint().width() <= label->width() &&
-                                       label->sizeHint().height() <= label->height();
-        EXPECT_TRUE(isWhole) << named(*label);
-    }
-    for (const auto* button : visibleChildren<QAbstractButton>(window)) {
-        EXPECT_LE(button->sizeHint().width(), button->width()) << named(*button);
-        EXPECT_LE(button->sizeHint().height(), button->height()) << named(*button);
-    }
-    for (const auto* box : visibleChildren<QComboBox>(window))
-        EXPECT_LE(box->sizeHint().width(), box->width()) << named(*box);
+    expectWhole<QLabel>(window);
+    expectWhole<QAbstractButton>(window);
+    expectWhole<QComboBox>(window);
     for (const auto* group : visibleChildren<QGroupBox>(window))
         EXPECT_LE(group->minimumSizeHint().width(), group->width()) << group->title().toStdString();
     for (const auto* tabs : window.findChildren<QTabWidget*>())
@@ -152,10 +155,7 @@ class UsabilityTest : public DesktopTest {
         return dynamic_cast<platform::QtWindow&>(loaded.window()).widget();
     }
 
-    void checkMainWindow() {
-        platform::MainWindow window(strings, {});
-        window.setSummary(strings.stringForKey("PrefDeclarationsInfo"));
-        check("main window", window);
+    static void checkMenus(const platform::MainWindow& window) {
         QStringList titles;
         for (const auto* action : window.menuBar()->actions()) {
             titles += action->text();
@@ -166,43 +166,6 @@ class UsabilityTest : public DesktopTest {
         }
         expectDistinctMnemonics(titles);
     }
-
-    void checkPreferences() {
-        const auto form = userInterface.loadForm("Preferences");
-        auto* tabs = widgetOf(*form).findChild<QTabWidget*>();
-        for (int tab = 0; tab < tabs->count(); ++tab) {
-            tabs->setCurrentIndex(tab);
-            check("preferences, " + tabs->tabText(tab).toStdString(), widgetOf(*form));
-        }
-    }
-
-    void checkProgressWindow() {
-        const auto progress = userInterface.loadInterface("Progress");
-        progress->staticText("staticLabel").setStringValue(strings.stringForKey("RunBackup"));
-        progress->window().center();
-        check("progress window", widgetOf(*progress));
-    }
-
-    void checkPanels() {
-        platform::OpenPanelDialog open({true, true, true}, nullptr);
-        open.showFolder(folder.path());
-        check("open panel", open);
-        platform::SavePanel panel{.name = "zelmora", .allowedFileType = "txt"};
-        panel.canSelectHiddenExtension = true;
-        platform::SavePanelDialog save(panel, nullptr);
-        save.showFolder(folder.path());
-        check("save panel", save);
-    }
-
-    void checkAlerts() {
-        platform::MessageListWindow alerts;
-        const auto message = strings.stringForKey("FailedBackup");
-        for (int count = 1; count < 40; ++count) {
-            alerts.add(message, strings.format("FailedBackupInfo", {"/" + std::string(200, 'x')}));
-            if (count < 3 || count == 39)
-                check(std::to_string(count) + " alerts", alerts);
-        }
-    }
 };
 
 TEST_F(UsabilityTest, EveryWindowInBothLanguages) {
@@ -211,11 +174,39 @@ TEST_F(UsabilityTest, EveryWindowInBothLanguages) {
         SCOPED_TRACE(language);
         strings = bundle.localizedStrings(files, language).value();
         application.installStrings(strings, language);
-        checkMainWindow();
-        checkPreferences();
-        checkProgressWindow();
-        checkPanels();
-        checkAlerts();
+
+        platform::MainWindow window(strings, {});
+        window.setSummary(strings.stringForKey("PrefDeclarationsInfo"));
+        check("main window", window);
+        checkMenus(window);
+
+        const auto form = userInterface.loadForm("Preferences");
+        auto* tabs = widgetOf(*form).findChild<QTabWidget*>();
+        for (int tab = 0; tab < tabs->count(); ++tab) {
+            tabs->setCurrentIndex(tab);
+            check("preferences, " + tabs->tabText(tab).toStdString(), widgetOf(*form));
+        }
+
+        const auto progress = userInterface.loadInterface("Progress");
+        progress->staticText("staticLabel").setStringValue(strings.stringForKey("RunBackup"));
+        check("progress window", widgetOf(*progress));
+
+        platform::OpenPanelDialog open({true, true, true}, nullptr);
+        open.showFolder(folder.path());
+        check("open panel", open);
+        platform::SavePanel panel{.name = "zelmora", .allowedFileType = "txt"};
+        panel.canSelectHiddenExtension = true;
+        platform::SavePanelDialog save(panel, nullptr);
+        save.showFolder(folder.path());
+        check("save panel", save);
+
+        platform::MessageListWindow alerts;
+        for (int count = 1; count < 40; ++count) {
+            alerts.add(strings.stringForKey("FailedBackup"),
+                       strings.format("FailedBackupInfo", {"/" + std::string(200, 'x')}));
+            if (count < 3 || count == 39)
+                check(std::to_string(count) + " alerts", alerts);
+        }
     }
 }
 

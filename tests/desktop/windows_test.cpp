@@ -24,22 +24,17 @@ struct StayOpen final : ProgressWindowDelegate {
 };
 
 TEST_F(DesktopTest, CancelClosesUnlessTheDelegateSaysNo) {
-    const struct {
-        const char* name;
-        std::shared_ptr<ProgressWindowDelegate> delegate;
-        bool staysOpen;
-    } cases[] = {{"no delegate", nullptr, false},
-                 {"one that does not care", std::make_shared<ProgressWindowDelegate>(), false},
-                 {"one that says NO", std::make_shared<StayOpen>(), true}};
-    for (const auto& [name, delegate, staysOpen] : cases) {
-        SCOPED_TRACE(name);
+    const std::pair<std::shared_ptr<ProgressWindowDelegate>, bool> cases[] = {
+        {nullptr, false},
+        {std::make_shared<ProgressWindowDelegate>(), false}, // does not care
+        {std::make_shared<StayOpen>(), true}};
+    for (const auto& [delegate, staysOpen] : cases) {
         ProgressWindow window(userInterface);
         window.setDelegate(delegate);
         EXPECT_FALSE(window.window().isVisible());
         window.showWindow();
         auto& widget = dynamic_cast<platform::QtWindow&>(window.window()).widget();
         auto* cancel = widget.findChild<QAbstractButton*>("buttonCancel");
-        EXPECT_EQ(cancel->text(), "Cancel");
         window.cancelButton().setEnabled(false);
         cancel->click();
         EXPECT_TRUE(window.window().isVisible()) << "Cancel was disabled";
@@ -56,11 +51,9 @@ TEST_F(DesktopTest, DropsOfLocalItemsArriveByteForByte) {
         Paths paths; ///< empty: refused
         const char* format = "text/uri-list";
     } cases[] = {
-        {"file:///tmp/a.txt\r\n", {"/tmp/a.txt"}},
         {"file:///b/\r\nfile:///tmp/a%20b%23.txt\r\n", {"/b/", "/tmp/a b#.txt"}},
         {"file:///tmp/%82%A0.txt\r\n", {"/tmp/\x82\xa0.txt"}},
         {"file:///tmp/%E3%81%82.txt\r\n", {"/tmp/あ.txt"}},
-        {"https://zelmora.example/a.txt\r\n", {}},
         {"file:///tmp/a.txt\r\nhttps://zelmora.example/a.txt\r\n", {}},
         {"file://elsewhere/tmp/a.txt\r\n", {}},
         {"", {}},
@@ -100,7 +93,7 @@ TEST_F(DesktopTest, AlertsGatherInOneWindowAndTheEndWaitsForIt) {
         }
         bool isAsked = false;
     };
-    for (const size_t count : {1U, 2U, 500U}) {
+    for (const size_t count : {1U, 500U}) {
         SCOPED_TRACE(count);
         Delegate delegate;
         application.setDelegate(delegate);
@@ -143,21 +136,18 @@ TEST_F(DesktopTest, AlertsGatherInOneWindowAndTheEndWaitsForIt) {
 }
 
 TEST_F(DesktopTest, TheOpenPanelOffersFilesAndFoldersWithAnyNames) {
-    for (const char* name : {"b.txt", "\x82\xa0.txt", ".hidden"})
+    for (const char* name : {"b.txt", "\x82\xa0.txt", ".hidden", "z/in.txt"})
         folder.writeFile(name, "");
-    folder.writeFile("z/in.txt", "");
     const struct {
-        const char* name;
         platform::OpenPanel panel;
         std::vector<std::string> chosenWithAll;
         bool opensWithNothingChosen;
     } cases[] = {
-        {"files and folders", {true, true, true}, {"z", "\x82\xa0.txt", "b.txt"}, false},
-        {"files", {true, false, true}, {"\x82\xa0.txt", "b.txt"}, false},
-        {"folders", {false, true, true}, {"z"}, true},
+        {{true, true, true}, {"z", "\x82\xa0.txt", "b.txt"}, false},
+        {{true, false, true}, {"\x82\xa0.txt", "b.txt"}, false},
+        {{false, true, true}, {"z"}, true},
     };
-    for (const auto& [name, panel, chosen, opensWithNothing] : cases) {
-        SCOPED_TRACE(name);
+    for (const auto& [panel, chosen, opensWithNothing] : cases) {
         platform::OpenPanelDialog dialog(panel, nullptr);
         dialog.showFolder(folder.path());
         EXPECT_EQ(!dialog.chosenPaths().empty(), opensWithNothing);
@@ -178,18 +168,21 @@ void type(QLineEdit& edit, const QString& text) {
 
 TEST_F(DesktopTest, TheSavePanelAnswersANameOfItsType) {
     const auto place = folder / "\x82\xa0";
-    for (const char* name : {"b.txt", "c.log", "\xff.TXT"})
-        folder.writeFile("\x82\xa0/" + std::string(name), "");
+    folder.writeFile("\x82\xa0/b.txt", "");
     const struct {
         const char* typed; ///< null: what is offered stays
         bool hidesExtension;
         const char* name; ///< null: Save is greyed out
     } cases[] = {
-        {nullptr, true, "zelmora.txt"}, {nullptr, false, "zelmora.txt"},
-        {"a", true, "a.txt"},           {"a.txt", true, "a.txt"},
-        {"a.TXT", false, "a.TXT"},      {"a.log", true, "a.log.txt"},
-        {"日本", false, "日本.txt"},    {"", true, nullptr},
-        {"..", true, nullptr},          {"a/b", true, nullptr},
+        {nullptr, true, "zelmora.txt"},
+        {nullptr, false, "zelmora.txt"},
+        {"a", true, "a.txt"},
+        {"a.TXT", false, "a.TXT"},
+        {"a.log", true, "a.log.txt"},
+        {"日本", false, "日本.txt"},
+        {"", true, nullptr},
+        {"..", true, nullptr},
+        {"a/b", true, nullptr},
     };
     platform::SavePanel panel;
     panel.name = "zelmora";
@@ -228,6 +221,7 @@ TEST_F(DesktopTest, TheSavePanelTakesAnExistingFileOnlyWhenConfirmed) {
     platform::SavePanelDialog dialog(panel, nullptr);
     dialog.showFolder(folder.path());
     dialog.show();
+    EXPECT_FALSE(dialog.windowIcon().pixmap(16).isNull()) << "no icon of the application";
     auto* list = dialog.findChild<QListWidget*>();
     ASSERT_EQ(list->count(), 2);
     list->setCurrentRow(1);
@@ -245,10 +239,6 @@ TEST_F(DesktopTest, TheSavePanelTakesAnExistingFileOnlyWhenConfirmed) {
     dialog.accept();
     EXPECT_TRUE(dialog.isVisible()) << "a folder is opened";
     EXPECT_EQ(list->count(), 1);
-}
-
-TEST_F(DesktopTest, WindowsHaveTheIconOfTheApplication) {
-    EXPECT_FALSE(QApplication::windowIcon().pixmap(16).isNull());
 }
 
 } // namespace
