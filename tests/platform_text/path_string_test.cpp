@@ -1,10 +1,10 @@
 #include "platform/text/path_string.h"
 
-#include <gtest/gtest.h>
+#include "platform/text/file_url.h"
 
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
+#include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -23,13 +23,10 @@ TEST(PathString, ComponentsAndExtensions) {
         {"/", "/", "/", "", "/"},
         {"//", "/", "/", "", "/"},
         {"a", "a", "", "", "a"},
-        {"/a", "a", "/", "", "/a"},
         {"//a", "a", "/", "", "//a"},
         {"/a/b/c/", "c", "/a/b", "", "/a/b/c"},
         {"a//b", "b", "a", "", "a//b"},
-        {"/a/b.txt", "b.txt", "/a", "txt", "/a/b"},
         {"/a/b.txt/", "b.txt", "/a", "txt", "/a/b"},
-        {"/a.d/b", "b", "/a.d", "", "/a.d/b"},
         {"/a.d/.profile", ".profile", "/a.d", "", "/a.d/.profile"},
         {".a.txt", ".a.txt", "", "txt", ".a"},
         {"/a/b.", "b.", "/a", "", "/a/b"},
@@ -45,81 +42,83 @@ TEST(PathString, ComponentsAndExtensions) {
         EXPECT_EQ(pathExtension(testCase.path), testCase.extension) << testCase.path;
         EXPECT_EQ(deletingPathExtension(testCase.path), testCase.withoutExtension) << testCase.path;
     }
-}
-
-TEST(PathString, Appending) {
-    EXPECT_EQ(appendingPathExtension("/a/b", "txt"), "/a/b.txt");
     EXPECT_EQ(appendingPathExtension("/a/b/", "txt"), "/a/b.txt");
     EXPECT_EQ(appendingPathExtension("/a/b", ""), "/a/b");
-    const struct {
-        const char* path;
-        const char* component;
-        const char* expected;
-    } cases[] = {
+    const char* const appended[][3] = {
         {"", "a", "a"},       {"/", "a", "/a"},     {"/a", "b", "/a/b"},
-        {"/a/", "b", "/a/b"}, {"/a", "/b", "/a/b"}, {"a", "b/c", "a/b/c"},
-        {"/a", "", "/a"},     {"", "", ""},         {"", "/a", "/a"},
+        {"/a/", "b", "/a/b"}, {"/a", "/b", "/a/b"}, {"/a", "", "/a"},
     };
-    for (const auto& testCase : cases)
-        EXPECT_EQ(appendingPathComponent(testCase.path, testCase.component), testCase.expected)
-            << testCase.path << " + " << testCase.component;
+    for (const auto& [path, component, expected] : appended)
+        EXPECT_EQ(appendingPathComponent(path, component), expected) << path << " " << component;
 }
 
-/// Gives HOME a value, or none, for one scope.
-class HomeScope {
-  public:
-    explicit HomeScope(const char* value) {
-        if (const char* home = std::getenv("HOME"))
-            _saved = home;
-        set(value);
-    }
-    ~HomeScope() { set(_saved ? _saved->c_str() : nullptr); }
-
-  private:
-    static void set(const char* value) {
-        if (value != nullptr)
-            setenv("HOME", value, 1);
-        else
-            unsetenv("HOME");
-    }
-
-    std::optional<std::string> _saved;
-};
-
-TEST(PathString, TildeIsTheHomeFolder) {
-    {
-        const HomeScope home("/home/z/");
-        EXPECT_EQ(expandingTilde("~"), "/home/z");
-        EXPECT_EQ(expandingTilde("~/a/b"), "/home/z/a/b");
-        EXPECT_EQ(expandingTilde("/a/~"), "/a/~");
-        EXPECT_EQ(expandingTilde(""), "");
-        EXPECT_EQ(expandingTilde("~no such user/a"), "~no such user/a");
-    }
+TEST(PathString, TildeIsTheHomeFolderAndRelativePathsStandOnTheWorkingOne) {
+    const char* const home = std::getenv("HOME");
+    const std::string saved = home != nullptr ? home : "";
+    setenv("HOME", "/home/z/", 1);
+    EXPECT_EQ(expandingTilde("~"), "/home/z");
+    EXPECT_EQ(expandingTilde("~/a/b"), "/home/z/a/b");
+    EXPECT_EQ(expandingTilde("/a/~"), "/a/~");
+    EXPECT_EQ(expandingTilde(""), "");
+    EXPECT_EQ(expandingTilde("~no such user/a"), "~no such user/a");
     const passwd* const self = getpwuid(getuid());
     ASSERT_NE(self, nullptr);
     const std::string folder = appendingPathComponent(self->pw_dir, "");
-    EXPECT_EQ(expandingTilde(std::string("~") + self->pw_name + "/a"),
-              appendingPathComponent(folder, "a"));
-    for (const char* absent : {static_cast<const char*>(nullptr), ""}) {
-        const HomeScope home(absent);
-        EXPECT_EQ(expandingTilde("~"), folder);
-    }
-}
+    EXPECT_EQ(expandingTilde(std::string("~") + self->pw_name + "/a"), folder + "/a");
+    setenv("HOME", "", 1);
+    EXPECT_EQ(expandingTilde("~"), folder);
+    unsetenv("HOME");
+    EXPECT_EQ(expandingTilde("~"), folder);
+    if (home != nullptr)
+        setenv("HOME", saved.c_str(), 1);
 
-TEST(PathString, AbsolutePathsStandOnTheWorkingFolder) {
-    const std::string folder = std::filesystem::current_path();
+    const std::string here = std::filesystem::current_path();
     EXPECT_EQ(absolutePath("/a/../b"), "/a/../b");
-    EXPECT_EQ(absolutePath("a/../b"), appendingPathComponent(folder, "a/../b"));
-    EXPECT_EQ(absolutePath(""), folder);
+    EXPECT_EQ(absolutePath("a/../b"), appendingPathComponent(here, "a/../b"));
+    EXPECT_EQ(absolutePath(""), here);
 }
 
 TEST(PathString, OnlyASCIILettersLoseTheirCase) {
     EXPECT_TRUE(equalsIgnoringASCIICase("TxT", "tXt"));
-    EXPECT_TRUE(equalsIgnoringASCIICase("", ""));
     EXPECT_FALSE(equalsIgnoringASCIICase("txt", "txt2"));
     EXPECT_FALSE(equalsIgnoringASCIICase("é", "É"));
     EXPECT_FALSE(equalsIgnoringASCIICase("[", "{"));
     EXPECT_FALSE(equalsIgnoringASCIICase("@", "`"));
+}
+
+TEST(FileURL, OnlyFilesOfThisMachineHaveAPath) {
+    const std::pair<std::string, std::string> paths[] = {
+        {"file:/a", "/a"},
+        {"file://localhost/a", "/a"},
+        {"file:///a%20%E3%81%82%ff?query#fragment", "/a \xe3\x81\x82\xff"},
+        {"file:///", "/"},
+    };
+    for (const auto& [url, path] : paths)
+        EXPECT_EQ(pathFromFileURL(url), path) << url;
+    const std::string others[] = {
+        "file://otherhost/a",
+        "file://localhost.example/a",
+        "file:a",
+        "file://",
+        "file:///a%",
+        "file:///a%2",
+        "file:///a%gg",
+        "file:///a%00b",
+        "http:///a",
+        std::string("file:///a\0b", 11),
+        "/a",
+        "",
+    };
+    for (const std::string& url : others)
+        EXPECT_EQ(pathFromFileURL(url), std::nullopt) << url;
+}
+
+TEST(FileURL, EveryPathHasOneOfPlainASCII) {
+    EXPECT_EQ(fileURLFromPath("/a-b_c.~/\x95\\ %#?"), "file:///a-b_c.~/%95%5C%20%25%23%3F");
+    for (int byte = 1; byte < 256; ++byte) {
+        const std::string path{'/', static_cast<char>(byte)};
+        EXPECT_EQ(pathFromFileURL(fileURLFromPath(path)), path) << byte;
+    }
 }
 
 } // namespace
