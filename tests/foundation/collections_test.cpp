@@ -5,7 +5,6 @@
 #include "foundation/orv_values.h"
 
 #include <cmath>
-#include <cstring>
 #include <functional>
 #include <limits>
 
@@ -46,14 +45,12 @@ TEST_F(CollectionsTest, ArrayOwnsItsElements) {
     OrvArrayAddObject(array.get(), object.get());
     EXPECT_EQ(OrvGetRetainCount(object.get()), 2U);
     EXPECT_EQ(OrvArrayGetObjectAtIndex(array.get(), 0), object.get());
-    EXPECT_EQ(linesOf([&] { EXPECT_EQ(OrvArrayGetObjectAtIndex(array.get(), 1), nullptr); }),
-              Lines{});
+    EXPECT_EQ(OrvArrayGetObjectAtIndex(array.get(), 1), nullptr);
     EXPECT_EQ(linesOf([&] { OrvArrayAddObject(array.get(), nullptr); }),
               Lines{"Add NULL object into the array."});
     EXPECT_EQ(OrvArrayGetCount(array.get()), 1U);
     array = {};
     EXPECT_EQ(OrvGetRetainCount(object.get()), 1U);
-
     EXPECT_EQ(linesOf([] { EXPECT_EQ(OrvArrayCreate(UINT64_MAX), nullptr); }),
               Lines{"Couldn't allocate the instance of the OrvArray. (capacity=-1)"});
 }
@@ -87,11 +84,8 @@ TEST_F(CollectionsTest, ArrayChanges) {
 
 TEST_F(CollectionsTest, EnumeratorKeepsItsArray) {
     const int64_t before = OrvLiveObjectCount();
-    const Owned empty(OrvArrayCreateEnumerator(Owned(OrvArrayCreate(0)).get()));
-    EXPECT_EQ(OrvGetTypeID(empty.get()), 2U);
-    EXPECT_EQ(OrvEnumeratorGetNextObject(empty.get()), nullptr);
-
     Owned enumerator(OrvArrayCreateEnumerator(makeArray({L"a", L"b"}).get()));
+    EXPECT_EQ(OrvGetTypeID(enumerator.get()), 2U);
     for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(stringOf(OrvEnumeratorGetNextObject(enumerator.get())), L"a");
         EXPECT_EQ(stringOf(OrvEnumeratorGetNextObject(enumerator.get())), L"b");
@@ -100,7 +94,7 @@ TEST_F(CollectionsTest, EnumeratorKeepsItsArray) {
         objectCast<OrvEnumeratorImpl>(enumerator.get())->Reset();
     }
     enumerator = {};
-    EXPECT_EQ(OrvLiveObjectCount(), before + 2); // `empty` and its array
+    EXPECT_EQ(OrvLiveObjectCount(), before);
 }
 
 TEST_F(CollectionsTest, DictionaryOwnsItsValues) {
@@ -197,8 +191,9 @@ TEST_F(CollectionsTest, NumbersConvertAsC) {
 TEST_F(CollectionsTest, DataKeepsItsBytes) {
     const Owned data(OrvDataCreate("ab\0c", 4));
     EXPECT_EQ(OrvGetTypeID(data.get()), 4U);
-    ASSERT_EQ(OrvDataGetSize(data.get()), 4U);
-    EXPECT_EQ(std::memcmp(OrvDataGetBytes(data.get()), "ab\0c", 4), 0);
+    EXPECT_EQ(std::string(static_cast<const char*>(OrvDataGetBytes(data.get())),
+                          OrvDataGetSize(data.get())),
+              std::string("ab\0c", 4));
     const auto view = platform::bytesOf({"ab\0c", 4});
     EXPECT_EQ(OrvCopyCocoaObject(data.get()),
               platform::PropertyListValue(platform::Bytes(view.begin(), view.end())));

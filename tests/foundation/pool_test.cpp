@@ -28,7 +28,7 @@ int64_t liveObjectsAfter(OrvIBase* handedToPool) {
 
 } // namespace
 
-TEST_F(ObjectTest, CountsReferencesFromOne) {
+TEST_F(ObjectTest, CountsReferencesFromOneAndComparesByAddress) {
     const int64_t before = OrvLiveObjectCount();
     OrvIBase* object = OrvArrayCreate(0);
     EXPECT_EQ(OrvGetRetainCount(object), 1U);
@@ -38,16 +38,12 @@ TEST_F(ObjectTest, CountsReferencesFromOne) {
     EXPECT_EQ(OrvGetRetainCount(object), 1U);
     OrvRelease(object);
     EXPECT_EQ(OrvLiveObjectCount(), before);
-
     OrvRelease(nullptr);
     EXPECT_EQ(OrvRetain(nullptr), nullptr);
     EXPECT_EQ(OrvGetRetainCount(nullptr), 0U);
-}
 
-TEST_F(ObjectTest, ComparesByAddress) {
-    const Owned both[] = {makeText(L"same"), makeText(L"same")};
-    const OrvIBase* low = std::min(both[0].get(), both[1].get());
-    const OrvIBase* high = std::max(both[0].get(), both[1].get());
+    const Owned one = makeText(L"same"), other = makeText(L"same");
+    const auto [low, high] = std::minmax({one.get(), other.get()});
     EXPECT_EQ(OrvCompare(low, low), 0);
     EXPECT_EQ(OrvCompare(low, high), -1);
     EXPECT_EQ(OrvCompare(high, low), 1);
@@ -113,12 +109,10 @@ TEST_F(ObjectTest, UnbalancedPoolReleasesNothingAndIsForgotten) {
     OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
     OrvRelease(object);
     OrvRelease(constant);
-}
 
-TEST_F(ObjectTest, PoolReleasedOnAnotherThreadIsUnbalanced) {
-    OrvIBase* pool = OrvTemporaryObjectsPoolCreate();
-    const Lines lines = linesOf([&] { std::thread([&] { OrvRelease(pool); }).join(); });
-    EXPECT_EQ(lines, Lines{unbalancedLine});
+    OrvIBase* pool = OrvTemporaryObjectsPoolCreate(); // released on another thread
+    EXPECT_EQ(linesOf([&] { std::thread([&] { OrvRelease(pool); }).join(); }),
+              Lines{unbalancedLine});
     EXPECT_NE(OrvGetCurrentTemporaryObjectsPool(), pool);
 }
 

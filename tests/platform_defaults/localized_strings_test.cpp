@@ -3,6 +3,7 @@
 #include "platform/defaults/bundle.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <gmock/gmock.h>
@@ -11,7 +12,7 @@
 namespace zelmora::platform {
 namespace {
 
-using ::testing::StartsWith;
+using namespace ::testing;
 
 TEST(LocalizedStringsTest, ReadsEscapesAndComments) {
     const auto strings = LocalizedStrings::parse("// head \"x\" = \"y\";\n"
@@ -82,13 +83,6 @@ TEST(LocalizedStringsTest, FillsPlaceholders) {
     }
 }
 
-/// How often the text under `key` asks for its first, second and third argument.
-std::vector<std::ptrdiff_t> argumentUses(const LocalizedStrings& strings, const std::string& key) {
-    const std::string text = strings.format(key, {"\1", "\2", "\3"});
-    return {std::ranges::count(text, '\1'), std::ranges::count(text, '\2'),
-            std::ranges::count(text, '\3')};
-}
-
 TEST(LocalizedStringsTest, ShippedTablesAgree) {
     const Bundle bundle(ZELMORA_RESOURCES);
     const auto english = bundle.localizedStrings(FileManager::defaultManager(), "en");
@@ -97,10 +91,12 @@ TEST(LocalizedStringsTest, ShippedTablesAgree) {
     ASSERT_TRUE(japanese) << japanese.error().message;
     EXPECT_GT(english->table().size(), 40U);
     EXPECT_EQ(english->table().size(), japanese->table().size());
-    for (const auto& entry : english->table()) {
-        const std::string& key = entry.first;
+    for (const auto& [key, value] : english->table()) {
         ASSERT_TRUE(japanese->table().contains(key)) << key;
-        EXPECT_EQ(argumentUses(*english, key), argumentUses(*japanese, key)) << key;
+        for (const char argument : {'\1', '\2', '\3'}) // asked for as often
+            EXPECT_EQ(std::ranges::count(english->format(key, {"\1", "\2", "\3"}), argument),
+                      std::ranges::count(japanese->format(key, {"\1", "\2", "\3"}), argument))
+                << key;
     }
 }
 
@@ -113,36 +109,28 @@ TEST(BundleTest, FindsResources) {
     ASSERT_FALSE(missing);
     EXPECT_EQ(missing.error().code, ENOENT);
     // This program's own folder is "bin"; the resources are its neighbour's.
-    EXPECT_THAT(Bundle::mainBundle().pathForResource("a", "b"),
-                ::testing::EndsWith("/share/zelmora/a.b"));
-    EXPECT_EQ(Bundle::mainBundle().pathForResource("a", "b").find("/bin/"), std::string::npos);
+    const std::string own = Bundle::mainBundle().pathForResource("a", "b");
+    EXPECT_THAT(own, AllOf(EndsWith("/share/zelmora/a.b"), Not(HasSubstr("/bin/"))));
 }
 
 TEST(BundleTest, PrefersTheFirstLanguageThatIsSet) {
     const struct {
-        const char* all;
-        const char* messages;
-        const char* lang;
+        std::array<const char*, 3> values; ///< of LC_ALL, LC_MESSAGES, LANG
         std::string_view language;
     } cases[] = {
-        {"ja_JP.UTF-8", "en_US", "en_US", "ja"},
-        {"C", "ja_JP", "ja_JP", "en"},
-        {"", "ja", "C", "ja"},
-        {"", "", "ja_JP.eucJP", "ja"},
-        {nullptr, nullptr, nullptr, "en"},
-        {nullptr, "de_DE", "ja_JP", "en"},
+        {{"ja_JP.UTF-8", "en_US", "en_US"}, "ja"},
+        {{"C", "ja_JP", "ja_JP"}, "en"},
+        {{"", "ja", "C"}, "ja"},
+        {{"", "", "ja_JP.eucJP"}, "ja"},
+        {{nullptr, nullptr, nullptr}, "en"},
+        {{nullptr, "de_DE", "ja_JP"}, "en"},
     };
-    for (const auto& test : cases) {
-        const std::pair<const char*, const char*> variables[] = {
-            {"LC_ALL", test.all}, {"LC_MESSAGES", test.messages}, {"LANG", test.lang}};
-        for (const auto& [name, value] : variables) {
-            if (value)
-                setenv(name, value, 1);
-            else
-                unsetenv(name);
+    for (const auto& [values, language] : cases) {
+        for (size_t i = 0; i < values.size(); ++i) {
+            const char* const name = std::array{"LC_ALL", "LC_MESSAGES", "LANG"}[i];
+            values[i] != nullptr ? setenv(name, values[i], 1) : unsetenv(name);
         }
-        EXPECT_EQ(preferredLanguage(), test.language)
-            << (test.all ? test.all : "-") << (test.messages ? test.messages : "-");
+        EXPECT_EQ(preferredLanguage(), language) << testing::PrintToString(values);
     }
 }
 
