@@ -26,55 +26,31 @@ ALLOWED = {
     "textutil": {TEXT, EVENTS, THREADS},
     "markup": {TEXT, "textutil"},
     "engine": BASE | {"foundation", "textutil", "markup"},
-    "app": BASE
-    | {"platform/console", "platform/desktop", "foundation", "textutil", "markup", "engine"},
 }
-INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^">]+)[">]')
-QT = re.compile(r"^(Q[A-Z]\w*|Qt\w+/.*)$")
+ALLOWED["app"] = set(ALLOWED)
+INCLUDE = re.compile(r'^\s*#\s*include\s+(["<])([^">]+)[">]', re.M)
 
 
 def floor_of(path):
-    parts = path.split("/")
-    return "/".join(parts[:2]) if parts[0] == "platform" else parts[0]
+    return re.match(r"platform/[^/]*|[^/]*", path)[0]
 
 
-def problems_in(root, file):
-    name = file.relative_to(root).as_posix()
+def problems_in(name, text):
     floor = floor_of(name)
-    for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):
-        match = INCLUDE.match(line)
-        if not match:
-            continue
-        bracket, included = match.groups()
-        where = f"{name}:{number}: "
-        if bracket == "<":
-            if QT.match(included) and floor not in ("platform/desktop", "app"):
-                yield f"{where}{floor} includes the Qt header <{included}>"
-        elif floor_of(included) not in ALLOWED:
-            yield f'{where}"{included}" is not a path from the root of a floor'
-        elif floor_of(included) not in ALLOWED[floor] | {floor}:
-            yield f"{where}{floor} must not include {floor_of(included)}"
+    if floor not in ALLOWED:
+        yield f"{name}: a floor that this check does not know"
+        return
+    for bracket, included in INCLUDE.findall(text):
+        if bracket == '"' and floor_of(included) not in ALLOWED[floor] | {floor}:
+            yield f"{name}: {floor} must not include {included}"
+        if re.match(r"Q[A-Zt]", included) and floor not in ("platform/desktop", "app"):
+            yield f"{name}: {floor} includes the Qt header {included}"
 
 
-def main():
-    root = pathlib.Path(sys.argv[1])
-    files = [
-        file
-        for floor in ALLOWED
-        for pattern in ("*.h", "*.cpp")
-        for file in sorted((root / floor).glob(pattern))
-    ]
-    unknown = {
-        floor_of(file.relative_to(root).as_posix())
-        for top in {floor.split("/")[0] for floor in ALLOWED}
-        for file in (root / top).rglob("*.cpp")
-    } - set(ALLOWED)
-    problems = [f"{floor}: a floor that this check does not know" for floor in sorted(unknown)]
-    for file in files:
-        problems.extend(problems_in(root, file))
-    print(*problems, sep="\n")
-    print(f"{len(files)} files, {len(problems)} includes that go the wrong way")
-    sys.exit(1 if problems or not files else 0)
-
-
-main()
+root = pathlib.Path(sys.argv[1])
+files = [file.relative_to(root).as_posix() for top in {floor.split("/")[0] for floor in ALLOWED}
+         for file in (root / top).rglob("*.[ch]*") if file.suffix in (".h", ".cpp")]
+problems = [each for name in files for each in problems_in(name, (root / name).read_text("utf-8"))]
+print(*problems, sep="\n")
+print(f"{len(files)} files, {len(problems)} includes that go the wrong way")
+sys.exit(1 if problems or not files else 0)

@@ -12,49 +12,35 @@ import re
 import subprocess
 import sys
 
-TEST = re.compile(r"^(TEST|TEST_F|TEST_P|TYPED_TEST)\(\s*(\w+)\s*,\s*(\w+)\s*\)", re.MULTILINE)
+TEST = re.compile(r"^(?:TYPED_)?TEST(?:_[FP])?\(\s*(\w+)\s*,\s*(\w+)\s*\)", re.MULTILINE)
 
 
-def registered_tests(build):
-    listing = subprocess.run(
-        ["ctest", "--test-dir", build, "--show-only=json-v1"],
-        check=True, capture_output=True, text=True,
-    )
-    return json.loads(listing.stdout)["tests"]
-
-
-def problems_in_cpp(name, text, names):
+def problems_in_cpp(text, names):
     found = TEST.findall(text)
     if not found:
-        yield f"{name}: holds no test"
-    for macro, suite, test in found:
-        if "DISABLED_" in suite + test:
-            yield f"{name}: {suite}.{test} is switched off"
-            continue
+        yield "holds no test"
+    if re.search("DISABLED_|GTEST_SKIP", text):
+        yield "switches a test off"
+    for suite, test in found:
         # A parameterized or typed test is listed once for each parameter, with more around it.
-        pattern = rf"(^|[./]){suite}(/\d+)?\.{test}(/.*)?$"
-        if not any(re.search(pattern, each) for each in names):
-            yield f"{name}: {suite}.{test} is not run"
-    if "GTEST_SKIP" in text:
-        yield f"{name}: skips a test"
+        if not re.search(rf"(^|[./]){suite}(/\d+)?\.{test}(/.*)?$", names, re.MULTILINE):
+            yield f"{suite}.{test} is not run"
 
 
-def main():
-    source, build = pathlib.Path(sys.argv[1]), sys.argv[2]
-    tests = registered_tests(build)
-    names = [test["name"] for test in tests]
-    commands = [word for test in tests for word in test.get("command", [])]
-    problems = [f"{test['name']}: not built" for test in tests if not test.get("command")]
-    files = sorted((source / "tests").rglob("*_test.*"))
-    for file in files:
-        name = file.relative_to(source).as_posix()
-        if file.suffix == ".cpp":
-            problems.extend(problems_in_cpp(name, file.read_text(encoding="utf-8"), names))
-        elif file.suffix in (".py", ".sh") and not any(c.endswith(name) for c in commands):
-            problems.append(f"{name}: is not run")
-    print(*problems, sep="\n")
-    print(f"{len(files)} test files, {len(tests)} tests, {len(problems)} problems")
-    sys.exit(1 if problems or not files else 0)
-
-
-main()
+source, build = pathlib.Path(sys.argv[1]), sys.argv[2]
+listing = subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True,
+                         capture_output=True, text=True)
+tests = json.loads(listing.stdout)["tests"]
+names = "\n".join(test["name"] for test in tests)
+commands = [word for test in tests for word in test.get("command", [])]
+problems = [f"{test['name']}: not built" for test in tests if not test.get("command")]
+files = sorted((source / "tests").rglob("*_test.*"))
+for file in files:
+    name = file.relative_to(source).as_posix()
+    if file.suffix == ".cpp":
+        problems += [f"{name}: {each}" for each in problems_in_cpp(file.read_text("utf-8"), names)]
+    elif file.suffix in (".py", ".sh") and not any(word.endswith(name) for word in commands):
+        problems.append(f"{name}: is not run")
+print(*problems, sep="\n")
+print(f"{len(files)} test files, {len(tests)} tests, {len(problems)} problems")
+sys.exit(1 if problems or not files else 0)

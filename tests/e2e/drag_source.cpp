@@ -1,17 +1,14 @@
-// A window to drag from. Its arguments are a MIME type and what is dragged, in that type. Says on
-// stdout, a line each: "ready" once it can be dragged from; "accepts" or "refuses" at each answer
-// of the window under the pointer; "copied", "moved" or "dropped nowhere" at the end of a drag.
+// A window to drag the folder from that is its argument. Says on stdout, a line each: "ready" once
+// it can be dragged from, "accepted" when the window under the pointer would take it, "copied" when
+// it has.
 
-#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QUrl>
 #include <QWidget>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <xcb/xcb.h>
 
 namespace {
 
@@ -20,34 +17,9 @@ void say(const char* line) {
     std::fflush(stdout);
 }
 
-/// Reports the answers of drop targets; Qt itself keeps a refusal to itself.
-class Answers final : public QAbstractNativeEventFilter {
-  public:
-    Answers() {
-        auto* connection =
-            qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-        constexpr char name[] = "XdndStatus";
-        auto* reply = xcb_intern_atom_reply(
-            connection, xcb_intern_atom(connection, 0, sizeof name - 1, name), nullptr);
-        _status = reply->atom;
-        std::free(reply);
-    }
-
-    bool nativeEventFilter(const QByteArray&, void* message, qintptr*) override {
-        const auto* event = static_cast<const xcb_client_message_event_t*>(message);
-        if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE && event->type == _status)
-            say((event->data.data32[1] & 1) != 0 ? "accepts" : "refuses");
-        return false;
-    }
-
-  private:
-    xcb_atom_t _status = 0;
-};
-
 class Source final : public QWidget {
   public:
-    Source(QString type, QByteArray contents)
-        : _type(std::move(type)), _contents(std::move(contents)) {
+    explicit Source(const char* folder) : _folder(QUrl::fromLocalFile(folder)) {
         setFixedSize(160, 80);
         setWindowTitle("Drag from here");
     }
@@ -55,17 +27,15 @@ class Source final : public QWidget {
   protected:
     void mousePressEvent(QMouseEvent*) override {
         auto* dragged = new QMimeData;
-        dragged->setData(_type, _contents);
+        dragged->setUrls({_folder});
         auto* drag = new QDrag(this);
         drag->setMimeData(dragged);
-        switch (drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction)) {
-        case Qt::CopyAction:
-            return say("copied");
-        case Qt::MoveAction:
-            return say("moved");
-        default:
-            return say("dropped nowhere");
-        }
+        QObject::connect(drag, &QDrag::actionChanged, [](Qt::DropAction action) {
+            if (action == Qt::CopyAction)
+                say("accepted");
+        });
+        if (drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction) == Qt::CopyAction)
+            say("copied");
     }
 
     void paintEvent(QPaintEvent*) override {
@@ -74,8 +44,7 @@ class Source final : public QWidget {
     }
 
   private:
-    QString _type;
-    QByteArray _contents;
+    const QUrl _folder;
     bool _isReady = false;
 };
 
@@ -83,11 +52,7 @@ class Source final : public QWidget {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc != 3)
-        return EXIT_FAILURE;
-    Answers answers;
-    application.installNativeEventFilter(&answers);
-    Source source(argv[1], argv[2]);
+    Source source(argv[1]);
     source.show();
     return QApplication::exec();
 }
