@@ -84,14 +84,10 @@ TEST_F(PanelsTest, TakesTheBackupFolderAndTheLogFile) {
 }
 
 TEST_F(PanelsTest, ChangesNothingWhenCancelled) {
-    struct Case {
-        const char* button;
-        std::string_view key;
-    };
-    for (const auto& [button, key] :
-         {Case{"buttonCreatorCode", settings::creatorCode},
-          Case{"buttonTypeCode", settings::fileType}, Case{"buttonBackup", settings::backupDataDir},
-          Case{"buttonLog", settings::logFilePath}}) {
+    for (const auto& [button, key] : {std::pair{"buttonCreatorCode", settings::creatorCode},
+                                      {"buttonTypeCode", settings::fileType},
+                                      {"buttonBackup", settings::backupDataDir},
+                                      {"buttonLog", settings::logFilePath}}) {
         defaults.setObject(std::string("old"), key);
         choose(button, std::nullopt);
         EXPECT_EQ(defaults.stringForKey(key), "old") << button;

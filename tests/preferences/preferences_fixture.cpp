@@ -53,30 +53,23 @@ PreferencesTest::PreferencesTest() : defaults(settings::allKeys()) {
 
 void PreferencesTest::open() {
     close();
-    const auto loadForm = [this](std::string_view name) -> std::unique_ptr<platform::LoadedForm> {
-        const auto path = platform::Bundle(ZELMORA_RESOURCES).pathForResource(name, "ui");
-        auto form = platform::QtInterface::load(files, path, defaults);
-        window = &form.value()->widget();
-        return std::move(form.value());
-    };
     controller = std::make_unique<ZelPrefWndController>(
-        PreferencesServices{defaults, files, strings, userInterface, panels, loadForm});
+        PreferencesServices{defaults, files, strings, userInterface, panels,
+                            [this](std::string_view name) { return loadForm(name); }});
     controller->showWindow();
+}
+
+std::unique_ptr<platform::LoadedForm> PreferencesTest::loadForm(std::string_view name) {
+    const auto path = platform::Bundle(ZELMORA_RESOURCES).pathForResource(name, "ui");
+    auto form = platform::QtInterface::load(files, path, defaults);
+    window = &form.value()->widget();
+    return std::move(form.value());
 }
 
 std::unique_ptr<platform::UserDefaults> PreferencesTest::savedDefaults() {
     auto other = std::make_unique<platform::UserDefaults>(settings::allKeys());
     EXPECT_TRUE(other->load(files, folder / "saved.plist").empty());
     return other;
-}
-
-std::string PreferencesTest::enabledOf(const std::vector<const char*>& names) {
-    std::string enabled;
-    for (const char* name : names) {
-        if (isEnabled(name))
-            enabled.append(enabled.empty() ? "" : " ").append(name);
-    }
-    return enabled;
 }
 
 void PreferencesTest::type(const char* name, const QString& text) {

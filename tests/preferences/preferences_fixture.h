@@ -53,6 +53,7 @@ class PreferencesTest : public ::testing::Test {
     /// Makes the window anew, as when the application starts; each test begins with one.
     void open();
     void close() { controller.reset(); }
+    std::unique_ptr<platform::LoadedForm> loadForm(std::string_view name);
     /// The settings as another process would read them now.
     [[nodiscard]] std::unique_ptr<platform::UserDefaults> savedDefaults();
 
@@ -61,8 +62,6 @@ class PreferencesTest : public ::testing::Test {
         return platform::outlet<Widget>(*window, name);
     }
     [[nodiscard]] bool isEnabled(const char* name) { return find<QWidget>(name).isEnabled(); }
-    /// The names of those of `names` that are enabled, separated by spaces.
-    std::string enabledOf(const std::vector<const char*>& names);
     /// Types into the line edit `name` and leaves it.
     void type(const char* name, const QString& text);
 

@@ -9,7 +9,6 @@
 #include <QRegularExpression>
 #include <QStandardItemModel>
 #include <cerrno>
-#include <set>
 
 namespace zelmora::test {
 
@@ -40,36 +39,25 @@ QWidget& boundWidget(QWidget& window, std::string_view key) {
 
 } // namespace
 
-TEST_F(PreferencesTest, ReachesEverySetting) {
-    std::set<std::string> missing;
-    for (const auto& key : settings::allKeys()) {
-        if (key.type != platform::SettingType::extensionList)
-            missing.emplace(key.name);
-    }
-    for (auto* widget : window->findChildren<QWidget*>())
-        missing.erase(widget->property("settingsKey").toString().toStdString());
-    EXPECT_EQ(missing, std::set<std::string>());
-}
-
 TEST_F(PreferencesTest, SpeaksBothLanguages) {
     const platform::Bundle bundle(ZELMORA_RESOURCES);
-    const QString form =
-        QString::fromStdString(readFile(bundle.pathForResource("Preferences", "ui")));
-    static const QRegularExpression text("<string>(.*?)</string>");
+    const auto form = QString::fromStdString(readFile(bundle.pathForResource("Preferences", "ui")));
     for (const char* language : {"en", "ja"}) {
-        const auto table = bundle.localizedStrings(files, language);
-        ASSERT_TRUE(table.ok()) << table.error().message;
-        for (const auto& match : text.globalMatch(form))
-            EXPECT_TRUE(table->table().contains(match.captured(1).toStdString()))
+        const auto table = bundle.localizedStrings(files, language).value();
+        for (const auto& match : QRegularExpression("<string>(.*?)</string>").globalMatch(form))
+            EXPECT_TRUE(table.table().contains(match.captured(1).toStdString()))
                 << language << ": " << match.captured(1).toStdString();
     }
 }
 
-TEST_F(PreferencesTest, ShowsAndWritesEachCheckBox) {
+TEST_F(PreferencesTest, ReachesEverySettingAndShowsAndWritesEachCheckBox) {
     for (const auto& key : settings::allKeys()) {
+        if (key.type == platform::SettingType::extensionList)
+            continue;
+        auto& widget = boundWidget(*window, key.name);
         if (key.type != platform::SettingType::boolean)
             continue;
-        auto& box = dynamic_cast<QCheckBox&>(boundWidget(*window, key.name));
+        auto& box = dynamic_cast<QCheckBox&>(widget);
         const bool before = defaults.boolForKey(key.name);
         EXPECT_EQ(box.isChecked(), before) << key.name;
         defaults.setBool(!before, key.name);
@@ -83,16 +71,16 @@ TEST_F(PreferencesTest, ShowsAndWritesEachCheckBox) {
 
 TEST_F(PreferencesTest, ShowsAndWritesEachChoice) {
     defaults.setInteger(1, settings::convertExtension); // enables one of them
-    struct Choice {
-        std::string_view key;
-        int lastTag;
-    };
-    for (const auto& [key, lastTag] :
-         {Choice{settings::encodingCode, 6}, Choice{settings::lineBreakCode, 4},
-          Choice{settings::sjisDeviceCharRead, 1}, Choice{settings::sjisDeviceCharWrite, 1},
-          Choice{settings::actionForCreator, 2}, Choice{settings::actionForFileType, 2},
-          Choice{settings::actionForAddingExtension, 2}, Choice{settings::convertExtension, 2},
-          Choice{settings::actionForDupBackupFiles, 2}}) {
+    const std::pair<std::string_view, int> lastTags[] = {{settings::encodingCode, 6},
+                                                         {settings::lineBreakCode, 4},
+                                                         {settings::sjisDeviceCharRead, 1},
+                                                         {settings::sjisDeviceCharWrite, 1},
+                                                         {settings::actionForCreator, 2},
+                                                         {settings::actionForFileType, 2},
+                                                         {settings::actionForAddingExtension, 2},
+                                                         {settings::convertExtension, 2},
+                                                         {settings::actionForDupBackupFiles, 2}};
+    for (const auto& [key, lastTag] : lastTags) {
         auto& widget = boundWidget(*window, key);
         auto* box = qobject_cast<QComboBox*>(&widget);
         for (int tag = lastTag; tag >= 0; --tag) {
@@ -110,54 +98,42 @@ TEST_F(PreferencesTest, ShowsAndWritesEachChoice) {
 }
 
 TEST_F(PreferencesTest, EncodingDecidesAboutMarkByteOrderAndLS) {
-    struct Case {
-        int code;
-        const char* enabled;
-        bool offersLS;
-    };
     auto& lineBreak = find<QComboBox>("popupLineBreak");
     auto* items = qobject_cast<QStandardItemModel*>(lineBreak.model());
-    for (const auto& [code, enabled, offersLS] :
-         {Case{0, "", false}, Case{1, "", false}, Case{2, "", false}, Case{3, "", false},
-          Case{4, "checkPutBOM", true}, Case{5, "checkPutBOM checkLittleEndian", true},
-          Case{6, "checkPutBOM checkLittleEndian", true}, Case{7, "", false}}) {
+    for (int code = 0; code <= 7; ++code) {
+        SCOPED_TRACE(code);
         defaults.setInteger(4, settings::encodingCode);
         defaults.setInteger(4, settings::lineBreakCode);
         defaults.setInteger(code, settings::encodingCode);
-        EXPECT_EQ(enabledOf({"checkPutBOM", "checkLittleEndian"}), enabled) << code;
-        EXPECT_EQ(items->item(lineBreak.findData(4))->isEnabled(), offersLS) << code;
-        EXPECT_EQ(defaults.integerForKey(settings::lineBreakCode), offersLS ? 4 : 1) << code;
-        EXPECT_EQ(lineBreak.currentData().toInt(), offersLS ? 4 : 1) << code;
-        EXPECT_EQ(savedDefaults()->integerForKey(settings::lineBreakCode), offersLS ? 4 : 1)
-            << code;
+        const bool isUnicode = code >= 4 && code <= 6;
+        EXPECT_EQ(isEnabled("checkPutBOM"), isUnicode);
+        EXPECT_EQ(isEnabled("checkLittleEndian"), code == 5 || code == 6);
+        EXPECT_EQ(items->item(lineBreak.findData(4))->isEnabled(), isUnicode);
+        EXPECT_EQ(lineBreak.currentData().toInt(), isUnicode ? 4 : 1);
+        EXPECT_EQ(savedDefaults()->integerForKey(settings::lineBreakCode), isUnicode ? 4 : 1);
     }
 }
 
 TEST_F(PreferencesTest, ActionsEnableWhatTheyUse) {
-    struct Case {
-        std::string_view key;
-        std::vector<const char*> controls;
-        std::vector<bool> enabled; ///< at the values 0, 1, 2
+    const std::pair<std::string_view, std::vector<const char*>> cases[] = {
+        {settings::actionForCreator, {"editCreatorCode", "buttonCreatorCode"}},
+        {settings::actionForFileType, {"editTypeCode", "buttonTypeCode"}},
+        {settings::convertExtension, {"editExtension"}},
+        {settings::autoBackup, {"buttonBackup", "editBackup", "matrixBackup"}},
+        {settings::createLogFile, {"buttonLog", "editLog"}},
     };
-    const std::vector<Case> cases{
-        {settings::actionForCreator,
-         {"editCreatorCode", "buttonCreatorCode"},
-         {false, true, false}},
-        {settings::actionForFileType, {"editTypeCode", "buttonTypeCode"}, {false, true, false}},
-        {settings::autoBackup, {"buttonBackup", "editBackup", "matrixBackup"}, {false, true}},
-        {settings::createLogFile, {"buttonLog", "editLog"}, {false, true}},
-        {settings::convertExtension, {"editExtension"}, {false, true, false}},
-    };
-    for (const auto& [key, controls, enabled] : cases) {
-        for (const size_t value : {1U, 0U, 2U}) {
-            if (value >= enabled.size())
+    for (const auto& [key, controls] : cases) {
+        const bool isSwitch =
+            settings::keyNamed(key)->type == platform::SettingType::boolean; // 0 and 1 only
+        for (const int value : {1, 0, 2}) {
+            if (isSwitch && value == 2)
                 continue;
-            defaults.setInteger(static_cast<int64_t>(value), key);
+            defaults.setInteger(value, key);
             for (const char* control : controls)
-                EXPECT_EQ(isEnabled(control), enabled[value]) << control << " " << value;
+                EXPECT_EQ(isEnabled(control), value == 1) << control << " " << value;
             open(); // the same at the start
             for (const char* control : controls)
-                EXPECT_EQ(isEnabled(control), enabled[value]) << control << " " << value;
+                EXPECT_EQ(isEnabled(control), value == 1) << control << " " << value;
         }
     }
 }
@@ -190,10 +166,15 @@ TEST_F(PreferencesTest, NeverAddsAnEmptyExtension) {
     EXPECT_EQ(defaults.stringForKey(settings::extensionOfDstFiles), "txt");
 }
 
-TEST_F(PreferencesTest, KeepsWhatAnotherProcessSaves) {
+TEST_F(PreferencesTest, KeepsWhatAnotherProcessSavesAndTellsOnceThatItCannotSave) {
     const auto other = savedDefaults();
     other->setInteger(2, settings::encodingCode);
     ASSERT_TRUE(other->save(files).ok());
+    files.failEvery("replaceFileAtPath", ENOSPC);
+    for (int click = 0; click < 2; ++click)
+        find<QCheckBox>("checkLog").click();
+    EXPECT_EQ(userInterface.alerts.size(), 1U);
+    files.failEvery("replaceFileAtPath", 0);
     find<QCheckBox>("checkLog").click();
     EXPECT_EQ(find<QComboBox>("popupEncoding").currentData().toInt(), 2);
     EXPECT_FALSE(isEnabled("checkPutBOM"));
@@ -202,26 +183,14 @@ TEST_F(PreferencesTest, KeepsWhatAnotherProcessSaves) {
     EXPECT_TRUE(saved->boolForKey(settings::createLogFile));
 }
 
-TEST_F(PreferencesTest, TellsOnceThatItCannotSave) {
-    files.failEvery("replaceFileAtPath", ENOSPC);
-    for (int click = 0; click < 2; ++click)
-        find<QCheckBox>("checkLog").click();
-    EXPECT_EQ(userInterface.alerts.size(), 1U);
-    files.failEvery("replaceFileAtPath", 0);
-    find<QCheckBox>("checkLog").click();
-    EXPECT_TRUE(savedDefaults()->boolForKey(settings::createLogFile));
-}
-
 TEST_F(PreferencesTest, GoesWhenTheApplicationTerminates) {
     close();
     int made = 0;
-    const PreferencesServices services{
-        defaults, files, strings, userInterface, panels, [this, &made](std::string_view) {
-            ++made;
-            const auto path =
-                platform::Bundle(ZELMORA_RESOURCES).pathForResource("Preferences", "ui");
-            return std::move(platform::QtInterface::load(files, path, defaults).value());
-        }};
+    const auto counted = [&](std::string_view name) {
+        ++made;
+        return loadForm(name);
+    };
+    const PreferencesServices services{defaults, files, strings, userInterface, panels, counted};
     auto& first = ZelPrefWndController::sharedPrefWndController(services);
     EXPECT_EQ(&ZelPrefWndController::sharedPrefWndController(services), &first);
     auto& center = platform::NotificationCenter::defaultCenter();
