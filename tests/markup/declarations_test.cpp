@@ -46,9 +46,7 @@ TEST(Declarations, NameTheEncoding) {
         {OrvEncoding::shiftjis, kLittle, true, u"Shift_JIS"},
         {OrvEncoding::jis, kBig, false, u"iso-2022-jp"},
         {OrvEncoding::eucjp, kBig, false, u"euc-jp"},
-        {OrvEncoding::utf8, kLittle, false, u"UTF-8"},
         {OrvEncoding::utf8, kBig, true, u"UTF-8"},
-        {OrvEncoding::utf16, kNoOrder, true, u"UTF-16"},
         {OrvEncoding::utf16, kLittle, true, u"UTF-16"},
         {OrvEncoding::utf16, kBig, false, u"UTF-16BE"},
         {OrvEncoding::utf16, kLittle, false, u"UTF-16LE"},
@@ -76,8 +74,8 @@ struct RewritingCase {
     const char* after; ///< "@" stands for the new declaration; null: unchanged
 };
 
-template<class Rewrite>
-void check(const RewritingCase& c, const std::u16string& declaration, Rewrite rewrite) {
+void check(const RewritingCase& c, const std::u16string& declaration,
+           void (*rewrite)(std::u16string&)) {
     std::u16string text = platform::utf16FromUTF8(c.before);
     std::u16string expected = platform::utf16FromUTF8(c.after ? c.after : c.before);
     if (const auto at = expected.find(u'@'); at != expected.npos)
@@ -93,7 +91,6 @@ const RewritingCase kHTML[] = {
      "<head>@<title>日本語</title>"},
     {"😀あ<META HTTP-EQUIV=CONTENT-TYPE CONTENT=\"text/html\">", "😀あ@"},
     {"<meta\r\n\tcontent=\"x\"\r\n" TYPE "\r\n>\r\n", "@\r\n"},
-    {"<meta " TYPE " content=\"text/html; charset=EUC-JP\" />", "@"},
     {"<meta " TYPE " content=\"text/html; charset=EUC-JP\"/>", "@"},
     {"<meta " TYPE " content=\"a>b\">", "@b\">"}, // the tag ends at the first ">"
     {"<meta content=\"a>b\" " TYPE "><head>", "<meta content=\"a>b\" " TYPE "><head>@"},
@@ -111,7 +108,6 @@ const RewritingCase kHTML[] = {
     {"<body>" TYPE "</body>", nullptr},
     {"text<meta " TYPE ">", "text@"},
     {"<head><meta " TYPE " content=\"te", "<head>@<meta " TYPE " content=\"te"}, // cut off
-    {"<head><meta " TYPE, "<head>@<meta " TYPE},
     {"<html><head", nullptr},
 };
 
@@ -127,20 +123,16 @@ const RewritingCase kXML[] = {
     {"<?xml version=\"1.0\" <a>", nullptr},
 };
 
-TEST(Declarations, OfHTMLAreRewrittenInPlace) {
+TEST(Declarations, AreRewrittenInPlace) {
+    const std::u16string meta = u"<meta " TYPE " content=\"text/html; charset=UTF-8\">";
+    const std::u16string xml = u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
     for (const RewritingCase& c : kHTML)
-        check(c, u"<meta " TYPE " content=\"text/html; charset=UTF-8\">", rewriteMeta);
-}
-
-TEST(Declarations, OfXMLAreRewrittenInPlace) {
+        check(c, meta, rewriteMeta);
     for (const RewritingCase& c : kXML)
-        check(c, u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>", rewriteXML);
-}
-
-TEST(Declarations, OfXHTMLAreBothRewritten) {
+        check(c, xml, rewriteXML);
     check({"<?xml version=\"1.0\"?>\n<html><head><meta " TYPE " content=\"x\" /></head></html>",
            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<html><head>@</head></html>"},
-          u"<meta " TYPE " content=\"text/html; charset=UTF-8\">", [](std::u16string& text) {
+          meta, [](std::u16string& text) {
               rewriteMeta(text);
               rewriteXML(text);
           });

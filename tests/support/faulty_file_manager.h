@@ -17,6 +17,13 @@ namespace zelmora::test {
 ///
 /// The questions that answer a bool cannot fail; they are not counted.
 class FaultyFileManager final : public platform::FileManager {
+    using Bytes = platform::Bytes;
+    using ByteView = platform::ByteView;
+    using Path = std::string;
+    using Status = platform::Status;
+    template<typename T>
+    using Result = platform::Result<T>;
+
   public:
     struct Operation {
         std::string name; ///< the method's name
@@ -36,32 +43,40 @@ class FaultyFileManager final : public platform::FileManager {
     /// What has been asked for so far, failed operations included.
     [[nodiscard]] std::vector<Operation> operations() const;
 
-    [[nodiscard]] bool fileExistsAtPath(const std::string& path) override;
-    platform::Result<platform::FileType> typeOfItemAtPath(const std::string& path) override;
-    [[nodiscard]] bool isDirectoryAtPath(const std::string& path) override;
-    [[nodiscard]] bool itemAtPathContainsItemAtPath(const std::string& path,
-                                                    const std::string& otherPath) override;
-    platform::Status checkWayToItemAtPath(const std::string& path, size_t folderLength) override;
-    platform::Result<platform::HFSCodes> hfsCodesOfItemAtPath(const std::string& path) override;
-    platform::Status enumerateAtPath(const std::string& path,
-                                     const EnumerationVisitor& visitor) override;
-    platform::Result<platform::Bytes> contentsAtPath(const std::string& path) override;
-    platform::Status createFileAtPath(const std::string& path,
-                                      platform::ByteView contents) override;
+    [[nodiscard]] bool fileExistsAtPath(const Path& path) override {
+        return _target.fileExistsAtPath(path);
+    }
+    [[nodiscard]] bool isDirectoryAtPath(const Path& path) override {
+        return _target.isDirectoryAtPath(path);
+    }
+    [[nodiscard]] bool itemAtPathContainsItemAtPath(const Path& path, const Path& other) override {
+        return _target.itemAtPathContainsItemAtPath(path, other);
+    }
+
     /// What is done with the new file are operations too, "write" and "finish". When one fails, the
     /// file behind it is dropped.
-    [[nodiscard]] std::unique_ptr<platform::NewFile>
-    newFileBesidePath(const std::string& path) override;
-    platform::Status replaceFileAtPath(const std::string& path,
-                                       platform::ByteView contents) override;
-    platform::Status appendToFileAtPath(const std::string& path,
-                                        platform::ByteView contents) override;
-    platform::Status createDirectoryAtPath(const std::string& path) override;
-    platform::Status setHFSCodes(platform::HFSCodes codes, const std::string& path) override;
-    platform::Status removeFileAtPath(const std::string& path) override;
-    platform::Status removeItemAtPath(const std::string& path) override;
-    platform::Status moveItemAtPath(const std::string& path, const std::string& toPath) override;
-    platform::Status copyItemAtPath(const std::string& path, const std::string& toPath) override;
+    [[nodiscard]] std::unique_ptr<platform::NewFile> newFileBesidePath(const Path& path) override;
+
+#define ZELMORA_PASS(ANSWER, METHOD, PARAMETERS, ARGUMENTS)                                        \
+    ANSWER METHOD PARAMETERS override {                                                            \
+        return perform(#METHOD, path, [&] { return _target.METHOD ARGUMENTS; });                   \
+    }
+    ZELMORA_PASS(Result<platform::FileType>, typeOfItemAtPath, (const Path& path), (path))
+    ZELMORA_PASS(Status, checkWayToItemAtPath, (const Path& path, size_t length), (path, length))
+    ZELMORA_PASS(Result<platform::HFSCodes>, hfsCodesOfItemAtPath, (const Path& path), (path))
+    ZELMORA_PASS(Status, enumerateAtPath, (const Path& path, const EnumerationVisitor& visitor),
+                 (path, visitor))
+    ZELMORA_PASS(Result<Bytes>, contentsAtPath, (const Path& path), (path))
+    ZELMORA_PASS(Status, createFileAtPath, (const Path& path, ByteView bytes), (path, bytes))
+    ZELMORA_PASS(Status, replaceFileAtPath, (const Path& path, ByteView bytes), (path, bytes))
+    ZELMORA_PASS(Status, appendToFileAtPath, (const Path& path, ByteView bytes), (path, bytes))
+    ZELMORA_PASS(Status, createDirectoryAtPath, (const Path& path), (path))
+    ZELMORA_PASS(Status, setHFSCodes, (platform::HFSCodes codes, const Path& path), (codes, path))
+    ZELMORA_PASS(Status, removeFileAtPath, (const Path& path), (path))
+    ZELMORA_PASS(Status, removeItemAtPath, (const Path& path), (path))
+    ZELMORA_PASS(Status, moveItemAtPath, (const Path& path, const Path& to), (path, to))
+    ZELMORA_PASS(Status, copyItemAtPath, (const Path& path, const Path& to), (path, to))
+#undef ZELMORA_PASS
 
   private:
     class FaultyNewFile;
@@ -73,9 +88,8 @@ class FaultyFileManager final : public platform::FileManager {
     template<typename Action>
     auto perform(const char* name, const std::string& path, Action operation)
         -> decltype(operation()) {
-        if (const int code = begin(name, path)) {
+        if (const int code = begin(name, path))
             return platform::Error::fromErrno(code, path, name);
-        }
         return operation();
     }
 

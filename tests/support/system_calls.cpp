@@ -63,13 +63,14 @@ ObservedSystemCalls::~ObservedSystemCalls() {
 using zelmora::test::CallKind;
 using zelmora::test::observed;
 
-// ZELMORA_WRAP(kind, function, (parameters), (arguments), initializers of the call): the call
-// without bytes to count.
+// ZELMORA_WRAP(kind, answer, function, (parameters), (arguments), initializers of the call): the
+// bytes to count, if any, are `allowed` among the arguments.
 #define ZELMORA_WRAP(KIND, ANSWER, FUNCTION, PARAMETERS, ARGUMENTS, ...)                           \
     ANSWER __real_##FUNCTION PARAMETERS;                                                           \
     ANSWER __wrap_##FUNCTION PARAMETERS {                                                          \
-        return observed({.kind = CallKind::KIND, .function = #FUNCTION, __VA_ARGS__},              \
-                        [&](size_t) { return __real_##FUNCTION ARGUMENTS; });                      \
+        return observed(                                                                           \
+            {.kind = CallKind::KIND, .function = #FUNCTION, __VA_ARGS__},                          \
+            [&]([[maybe_unused]] size_t allowed) { return __real_##FUNCTION ARGUMENTS; });         \
     }
 
 extern "C" {
@@ -88,29 +89,14 @@ int __wrap_openat(int folder, const char* name, int flags, ...) {
                     [&](size_t) { return __real_openat(folder, name, flags, mode); });
 }
 
-ssize_t __real_read(int file, void* bytes, size_t count);
-ssize_t __wrap_read(int file, void* bytes, size_t count) {
-    return observed({.kind = CallKind::read, .function = "read", .file = file, .count = count},
-                    [&](size_t allowed) { return __real_read(file, bytes, allowed); });
-}
-
-ssize_t __real_write(int file, const void* bytes, size_t count);
-ssize_t __wrap_write(int file, const void* bytes, size_t count) {
-    return observed({.kind = CallKind::write, .function = "write", .file = file, .count = count},
-                    [&](size_t allowed) { return __real_write(file, bytes, allowed); });
-}
-
-ssize_t __real_copy_file_range(int from, off64_t* fromOffset, int to, off64_t* toOffset,
-                               size_t count, unsigned flags);
-ssize_t __wrap_copy_file_range(int from, off64_t* fromOffset, int to, off64_t* toOffset,
-                               size_t count, unsigned flags) {
-    return observed(
-        {.kind = CallKind::write, .function = "copy_file_range", .file = to, .count = count},
-        [&](size_t allowed) {
-            return __real_copy_file_range(from, fromOffset, to, toOffset, allowed, flags);
-        });
-}
-
+ZELMORA_WRAP(read, ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, allowed),
+             .file = file, .count = count)
+ZELMORA_WRAP(write, ssize_t, write, (int file, const void* bytes, size_t count),
+             (file, bytes, allowed), .file = file, .count = count)
+ZELMORA_WRAP(write, ssize_t, copy_file_range,
+             (int from, off64_t* fromOffset, int to, off64_t* toOffset, size_t count,
+              unsigned flags),
+             (from, fromOffset, to, toOffset, allowed, flags), .file = to, .count = count)
 ZELMORA_WRAP(look, int, fstat, (int file, struct stat* status), (file, status), .file = file)
 ZELMORA_WRAP(look, int, fstatat, (int folder, const char* name, struct stat* status, int flags),
              (folder, name, status, flags), .file = folder, .name = name)

@@ -1,0 +1,186 @@
+// Tags are found in text and in bytes, and text is edited.
+#include "markup/html_parser.h"
+#include "markup/markup_parser.h"
+#include "platform/text/utf8.h"
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+namespace zelmora {
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::size_t kHuge = std::u16string::npos;
+
+std::size_t sizeNote(const OrvMarkupTag& tag, std::u16string_view key) {
+    return std::get<std::size_t>(tag.parserAdditional()->at(std::u16string(key)));
+}
+
+/// "OFFSET SOURCE" of a found tag, "none" without one.
+std::string placeInText(const std::optional<OrvMarkupTag>& tag) {
+    if (!tag)
+        return "none";
+    const auto& source = tag->parserAdditional()->find(OrvHTMLParserAdditionalKeyString)->second;
+    return std::to_string(sizeNote(*tag, OrvHTMLParserAdditionalKeyOffset)) + " " +
+           platform::utf8FromUTF16(std::get<std::u16string>(source));
+}
+
+std::string findInText(std::string_view text, std::optional<std::u16string_view> name,
+                       std::size_t start) {
+    OrvHTMLParser parser;
+    parser.setHTMLString(platform::utf16FromUTF8(text));
+    return placeInText(name ? parser.findMarkupTagName(*name, start)
+                            : parser.findNextMarkupTagFromOffset(start));
+}
+
+std::string findInBytes(std::string_view bytes, std::u16string_view name, std::size_t start) {
+    OrvMarkupParser parser;
+    parser.setRawData(platform::bytesOf(bytes));
+    const auto tag = parser.findMarkupTagName(name, start);
+    if (!tag)
+        return "none";
+    const auto offset = sizeNote(*tag, OrvMarkupParserAdditionalKeyByteOffset);
+    return std::to_string(offset) + " " +
+           std::string(
+               bytes.substr(offset, sizeNote(*tag, OrvMarkupParserAdditionalKeyByteLength)));
+}
+
+TEST(Searching, FindsTagsByNameInTextAndBytes) {
+    const struct {
+        std::string_view source;
+        const char16_t* name;
+        std::size_t start;
+        const char* found;
+    } cases[] = {
+        {"", u"p", 0, "none"},
+        {"<p", u"p", 0, "none"},
+        {"<p <", u"p", 0, "none"},
+        {"<p>", u"p", 3, "none"},
+        {"<p>", u"p", kHuge, "none"},
+        {"<>", u"", 0, "none"},
+        {"<p><p>", u"p", 1, "3 <p>"},
+        {"<p><p>", u"p", 3, "3 <p>"},
+        {"<az`{><aZ@[>", u"Az@[", 0, "6 <aZ@[>"},
+        {"<header><HEAD a=b><head>", u"head", 0, "8 <HEAD a=b>"},
+        {"<header><HEAD a=b><head>", u"Head", 9, "18 <head>"},
+        {"<head/><head", u"head", 0, "none"},
+        {"<\"he<\"head\">", u"head", 0, "4 <\"head\">"},
+        {"x<?XML?><?xml ?>", u"?xml", 0, "8 <?xml ?>"},
+    };
+    for (const auto& [source, name, start, found] : cases) {
+        EXPECT_EQ(findInText(source, name, start), found) << source << " from " << start;
+        EXPECT_EQ(findInBytes(source, name, start), found) << source << " from " << start;
+    }
+    // In Shift_JIS, and as the Macintosh Roman that bytes are taken for.
+    EXPECT_EQ(findInBytes("\x82\xA0\x82\xA2<meta content=\x82\xA0>", u"meta", 0),
+              "4 <meta content=\x82\xA0>");
+    EXPECT_EQ(findInBytes("<p\0re><p\0>"sv, u"p", 0), "6 <p\0>"sv);
+    EXPECT_EQ(findInBytes("<p>\x83<\x8E\xAE>", u"\u00E9\u00C6", 0), "4 <\x8E\xAE>");
+    EXPECT_EQ(findInBytes("<\x83>", u"\u00E9", 0), "none"); // capital É
+    EXPECT_EQ(findInBytes("<p>", u"\u3042", 0), "none");    // no Macintosh Roman
+}
+
+TEST(Searching, FindsTheNextTagOfText) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"<<<<", "none"},
+        {"a < b <p>", "6 <p>"},
+        {"\u3042\U0001F600<p>", "3 <p>"}, // UTF-16 units
+        {"<p title=\"a>b\">", "0 <p title=\"a>"},
+        {"<>", "0 <>"},
+    };
+    for (const auto& [text, found] : cases)
+        EXPECT_EQ(findInText(text, {}, 0), found) << text;
+    EXPECT_EQ(findInText("<p>", {}, kHuge), "none");
+}
+
+TEST(Searching, CutsTheTagAtAPlace) {
+    OrvHTMLParser parser;
+    parser.setHTMLString(u"<a <b c=\">\"> <");
+    for (std::size_t offset = 0; offset < 16; ++offset)
+        EXPECT_EQ(parser.markupTagStringFromOffset(offset).value_or(u"none"),
+                  offset == 3 ? u"<b c=\">" : u"none")
+            << offset;
+    const std::pair<const char*, const char*> cases[] = {{"", ""},
+                                                         {"<", ""},
+                                                         {"<a", ""},
+                                                         {"<a<b>", ""},
+                                                         {"<>", "<>"},
+                                                         {"<a b=\">\">", "<a b=\">"},
+                                                         {"<\x81>text", "<\x81>"}};
+    for (const auto& [bytes, expected] : cases) {
+        const auto tag = OrvMarkupParser::markupTagDataFromBytes(platform::bytesOf(bytes));
+        EXPECT_EQ(platform::charsOf(tag.value_or(platform::Bytes())), expected) << bytes;
+        EXPECT_NE(tag, platform::Bytes()) << bytes;
+    }
+}
+
+TEST(Searching, FindsTheEncodingDeclarationOnly) {
+    const std::u16string_view found[] = {
+        u"<META http-equiv=\"content-type\" content=\"x\">",
+        u"<meta HTTP-EQUIV=CONTENT-TYPE>",
+        u"<meta Http-Equiv=refresh http-equiv=Content-Type>",
+        u"<meta http-equiv=\" Content-Type\">",
+    };
+    const std::u16string_view passedOver[] = {
+        u"<meta http-equiv=Content-Type http-equiv=refresh>", // the last value counts
+        u"<meta http-equiv=Content-Type http-equiv>",         // became the suffix
+        u"<meta content=\"http-equiv=Content-Type\">",
+        u"<meta http-equiv=Content-Type2><meta xhttp-equiv=Content-Type>",
+        u"<metal http-equiv=Content-Type><p http-equiv=Content-Type>",
+        u"<meta http-equiv=\"Content-Type \">",
+        u"<meta http\u2010equiv=Content-Type><meta HTTP-EQU\u0130V=Content-Type>",
+        u"<meta content=text/html; http-equiv=Content-Type>", // the value of "html;"
+    };
+    OrvHTMLParser parser;
+    for (const auto text : found) {
+        parser.setHTMLString(std::u16string(text) + u"<meta http-equiv=Content-Type a=b>");
+        EXPECT_EQ(placeInText(parser.findEncodingSpecifier()),
+                  "0 " + platform::utf8FromUTF16(text));
+    }
+    for (const auto text : passedOver) {
+        parser.setHTMLString(std::u16string(text));
+        EXPECT_EQ(placeInText(parser.findEncodingSpecifier()), "none")
+            << platform::utf8FromUTF16(text);
+    }
+}
+
+TEST(Editing, StaysInsideTheText) {
+    const struct {
+        std::size_t offset, length;
+        const char16_t* result; // null: refused
+    } cases[] = {
+        {0, 0, u"XYabc"}, {1, 1, u"aXYc"},     {3, 0, u"abcXY"},
+        {0, 3, u"XY"},    {0, 4, nullptr},     {3, 1, nullptr},
+        {4, 0, nullptr},  {kHuge, 1, nullptr}, {1, kHuge, nullptr},
+    };
+    for (const auto& c : cases) {
+        OrvHTMLParser parser;
+        parser.setHTMLString(u"abc");
+        EXPECT_EQ(parser.replaceFromOffset(c.offset, c.length, u"XY"), c.result != nullptr);
+        EXPECT_EQ(parser.htmlString(), c.result ? c.result : u"abc") << c.offset << " " << c.length;
+    }
+}
+
+TEST(Editing, ReachesTheCallersTextOrTheParsersOwnAsAsked) {
+    std::u16string text = u"<p>";
+    OrvHTMLParser parser;
+    parser.setMutableHTMLString(text);
+    const auto found = parser.findNextMarkupTagFromOffset(0);
+    EXPECT_FALSE(parser.replaceMarkupTag(*found, OrvMarkupTag())) << "writes nothing";
+    EXPECT_FALSE(parser.replaceMarkupTag(OrvMarkupTag(), *found)) << "never found";
+    parser.insertMarkupTag(OrvMarkupTag(), 0);
+    EXPECT_EQ(text, u"<p>");
+    parser.insertString(u"12", 0);
+    EXPECT_EQ(text, u"12<p>");
+    EXPECT_TRUE(parser.replaceMarkupTag(*found, *found));
+    EXPECT_EQ(text, u"<p>p>") << "at its old place";
+    parser.setHTMLString(text);
+    parser.insertMarkupTag(*found, 0);
+    EXPECT_EQ(parser.htmlString(), u"<p><p>p>");
+    EXPECT_EQ(text, u"<p>p>");
+}
+
+} // namespace
+} // namespace zelmora

@@ -1,0 +1,131 @@
+// What the token rules make of a tag in text and in bytes, and how tags are written.
+#include "markup/html_parser.h"
+#include "markup/markup_parser.h"
+#include "platform/text/utf8.h"
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+namespace zelmora {
+namespace {
+
+using namespace std::string_view_literals;
+
+/// `name a=[1] b=[2] / ~suffix`: the order with its values, then what is set of close format and
+/// suffix; "-" for no name. Names that only the map knows are counted: "+N".
+std::string summary(const OrvMarkupTag& tag) {
+    using platform::utf8FromUTF16;
+    std::string line = utf8FromUTF16(tag.name().value_or(u"-"));
+    OrvMarkupAttributes unwritten = *tag.attributes();
+    for (const std::u16string& name : *tag.attributesOrder()) {
+        line += " " + utf8FromUTF16(name + u"=[" + (*tag.attributes())[name] + u"]");
+        unwritten.erase(name);
+    }
+    if (!unwritten.empty())
+        line += " +" + std::to_string(unwritten.size());
+    return line + (tag.isCloseFormat() ? " /" : "") +
+           (tag.suffix() ? " ~" + utf8FromUTF16(*tag.suffix()) : "");
+}
+
+std::string readFromText(std::u16string_view source) {
+    return summary(OrvHTMLParser::parseTagString(source));
+}
+
+std::string readFromBytes(std::string_view source) {
+    return summary(OrvMarkupParser::parseMarkupTagData(platform::bytesOf(source)));
+}
+
+TEST(Tags, AreReadByTheTokenRules) {
+    const struct {
+        std::string_view source;
+        const char* inText;
+        const char* inBytes = nullptr; // as in text
+    } cases[] = {
+        {"", "-"},
+        {"<", "-"},
+        {"<>", "-"},
+        {"< \t\r\n\f\v>", "-"},
+        {"<p", "p"}, // cut off
+        {"< p >", "p"},
+        {"<\"p q\" a=1>", "p q a=[1]"},
+        {"<br/>", "br/"},
+        {"<br />", "br /"},
+        {"<br / >", "br /"},
+        {"</p>", "/p"},
+        {"<a=b c=d>", "a=b c=[d]"},
+        {"<p a=1 B=\"2\">", "p a=[1] B=[2]"},
+        {"<p a='1 2'>", "p a=['1] ~2'", "p a=['1] 2'=[]"},
+        {"<p a=\" x  y \">", "p a=[x  y ]", "p a=[ x  y ]"},
+        {"<p a=\"/=\">", "p a=[/=]"},
+        {"<p \"a=b\">", "p a=[b\"]", "p a=[b]"}, // "=" ends a name between quotes too
+        {"<p \"a b\"=1>", "p a b=[=1]"},
+        {"<p a = b>", "p a=[=] ~b", "p a=[=] b=[]"},
+        {"<p a b=c>", "p a=[b=c]"},
+        {"<p a=b\"c d\"e=f>", "p a=[b\"c d] e=[f]", "p a=[bc d] e=[f]"},
+        {"<p a=\"b\"c\"d\">", "p a=[b] ~c\"d", "p a=[b] cd=[]"},
+        {"<p a=\"\" b=\"x\">", "p a=[b=\"x]", "p a=[b=x]"},
+        {"<p a=\"b>", "p a=[b]"},
+        {"<p a=1 b=2 a=3>", "p a=[3] b=[2] a=[3]"},
+        {"<p a=1 b=2 a>", "p b=[2] ~a", "p a=[] b=[2] a=[]"},
+        {"<p a=1 a b=2>", "p a=[b=2] a=[b=2]"},
+        {"<input checked>", "input ~checked", "input checked=[]"},
+        {"<a href=dir/page.html>", "a href=[dir] / ~page.html", "a href=[dir] page.html=[] /"},
+        {"<?xml version=\"1.0\" encoding=\"EUC-JP\"?>", "?xml version=[1.0] encoding=[EUC-JP] ~?",
+         "?xml version=[1.0] encoding=[EUC-JP] ?=[]"},
+        {"<a b>c d=e>", "a b=[c] d=[e]"}, // more than one tag handed over as one
+    };
+    for (const auto& [source, inText, inBytes] : cases) {
+        EXPECT_EQ(readFromText(platform::utf16FromUTF8(source)), inText) << source;
+        EXPECT_EQ(readFromBytes(source), inBytes ? inBytes : inText) << source;
+    }
+    // Bytes are Macintosh Roman without zero bytes; CA is no white space.
+    EXPECT_EQ(readFromBytes("<me\0ta a\0=\0\" \0x\0\"\0>"sv), "meta a=[ x]");
+    EXPECT_EQ(readFromBytes("<\0>"sv), "-");
+    EXPECT_EQ(readFromBytes("<p \0\0>"sv), "p");
+    EXPECT_EQ(readFromBytes("<p a=\x82\xA0\xCA\xA0>"), "p a=[\u00C7\u2020\u00A0\u2020]");
+    EXPECT_EQ(readFromText(u"<p\0q>"sv), "p\0q"sv);
+    EXPECT_EQ(readFromText(u"<p\u3000q\u00A0r \u0130>"), "p\u3000q\u00A0r ~\u0130");
+}
+
+TEST(Tags, WriteThemselves) {
+    using Text = std::optional<std::u16string>;
+    const struct {
+        Text name;
+        Text order; ///< a name for each letter
+        Text map;   ///< a name for each letter, whose value is "<&
+        bool isCloseFormat;
+        Text suffix;
+        Text written;
+    } cases[] = {
+        {{}, u"a", u"a", true, u"?", {}},
+        {u"", {}, {}, false, {}, {}},
+        {u"br", {}, {}, true, {}, u"<br />"},
+        {u"p", u"Ba", u"aB", false, {}, u"<p B=\"\"<&\" a=\"\"<&\">"},
+        {u"p", u"aa", u"a", false, {}, u"<p>"}, // the counts differ
+        {u"p", u"aa", u"ab", false, {}, u"<p a=\"\"<&\" a=\"\"<&\">"},
+        {u"p", u"xa", u"ab", false, {}, u"<p a=\"\"<&\">"},
+        {u"p", u"a", {}, false, {}, u"<p>"},
+        {u"p", {}, u"a", false, {}, u"<p>"},
+        {u"p", u"a", u"a", true, u"?", u"<p a=\"\"<&\" /?>"},
+        {u"p", u"", u"", false, u"", u"<p>"},
+    };
+    for (const auto& c : cases) {
+        OrvMarkupTag tag;
+        tag.setName(c.name);
+        if (c.order)
+            tag.setAttributesOrder(std::make_shared<OrvMarkupAttributesOrder>());
+        if (c.map)
+            tag.setAttributes(std::make_shared<OrvMarkupAttributes>());
+        for (const char16_t letter : c.order.value_or(u""))
+            tag.attributesOrder()->push_back({letter}); // reaches the tag: the list is shared
+        for (const char16_t letter : c.map.value_or(u""))
+            tag.attributes()->emplace(std::u16string{letter}, u"\"<&");
+        tag.setCloseFormat(c.isCloseFormat);
+        tag.setSuffix(c.suffix);
+        EXPECT_EQ(tag.tagString(), c.written) << "case " << &c - cases;
+    }
+}
+
+} // namespace
+} // namespace zelmora
