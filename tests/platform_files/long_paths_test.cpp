@@ -15,38 +15,44 @@ TEST_F(LongPaths, EveryOperationGoesBeyondPathMax) {
     constexpr size_t kLimit = PATH_MAX;
     for (const size_t length : {kLimit - 70, kLimit - 1, kLimit, 3 * kLimit}) {
         std::string folder = _folder / "long";
-        while (folder.size() + 201 <= length) {
+        while (folder.size() + 201 <= length)
             folder += std::string(100, '/') + std::string(100, 'd');
-        }
         folder += "/" + std::string(length - folder.size(), 'e');
         const std::string file = folder + "/file";
         const std::string copy = folder + "/copy";
-        ASSERT_EQ(codeOf(_files.createDirectoryAtPath(folder)), 0) << length;
-        EXPECT_TRUE(_files.isDirectoryAtPath(folder)) << length;
-        EXPECT_EQ(codeOf(_files.createFileAtPath(file, bytesOf("one"))), 0) << length;
-        EXPECT_EQ(codeOf(_files.createFileAtPath(file, bytesOf("no"))), EEXIST) << length;
-        EXPECT_EQ(codeOf(_files.appendToFileAtPath(file, bytesOf("two"))), 0) << length;
-        EXPECT_EQ(codeOf(_files.setHFSCodes({1, 2}, file)), 0) << length;
-        EXPECT_EQ(codeOf(_files.copyItemAtPath(file, copy)), 0) << length;
-        EXPECT_EQ(codeOf(_files.replaceFileAtPath(file, bytesOf("three"))), 0) << length;
-        EXPECT_EQ(contentsOf(_files, file), "three") << length;
-        EXPECT_EQ(codeOf(_files.removeFileAtPath(file)), 0) << length;
-        EXPECT_FALSE(_files.fileExistsAtPath(file)) << length;
-        EXPECT_EQ(codeOf(_files.moveItemAtPath(copy, file)), 0) << length;
-        EXPECT_EQ(contentsOf(_files, file), "onetwo") << length;
-        EXPECT_EQ(_files.hfsCodesOfItemAtPath(file).value(), (HFSCodes{1, 2})) << length;
-        EXPECT_EQ(_files.typeOfItemAtPath(file).value(), FileType::regular) << length;
+        SCOPED_TRACE(length);
+        ASSERT_EQ(codeOf(_files.createDirectoryAtPath(folder)), 0);
+        EXPECT_TRUE(_files.isDirectoryAtPath(folder));
+        EXPECT_EQ(codeOf(_files.createFileAtPath(file, bytesOf("one"))), 0);
+        EXPECT_EQ(codeOf(_files.createFileAtPath(file, bytesOf("no"))), EEXIST);
+        EXPECT_EQ(codeOf(_files.appendToFileAtPath(file, bytesOf("two"))), 0);
+        EXPECT_EQ(codeOf(_files.setHFSCodes({1, 2}, file)), 0);
+        EXPECT_EQ(codeOf(_files.copyItemAtPath(file, copy)), 0);
+        EXPECT_EQ(codeOf(_files.replaceFileAtPath(file, bytesOf("three"))), 0);
+        EXPECT_EQ(contentsOf(_files, file), "three");
+        EXPECT_EQ(codeOf(_files.removeFileAtPath(file)), 0);
+        EXPECT_FALSE(_files.fileExistsAtPath(file));
+        EXPECT_EQ(codeOf(_files.moveItemAtPath(copy, file)), 0);
+        EXPECT_EQ(contentsOf(_files, file), "onetwo");
+        EXPECT_EQ(_files.hfsCodesOfItemAtPath(file).value(), (HFSCodes{1, 2}));
+        EXPECT_EQ(_files.typeOfItemAtPath(file).value(), FileType::regular);
         Items visited;
-        EXPECT_EQ(codeOf(_files.enumerateAtPath(folder,
-                                                [&](const std::string& path, FileType) {
-                                                    visited.push_back(path);
-                                                    return true;
-                                                })),
-                  0);
-        EXPECT_EQ(visited, Items({"file"})) << length;
-        EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / "long")), 0) << length;
-        EXPECT_EQ(_folder.items(), Items()) << length;
+        const auto visit = [&](const std::string& path, FileType) {
+            visited.push_back(path);
+            return true;
+        };
+        EXPECT_EQ(codeOf(_files.enumerateAtPath(folder, visit)), 0);
+        EXPECT_EQ(visited, Items({"file"}));
+        EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / "long")), 0);
+        EXPECT_EQ(_folder.items(), Items());
     }
+    // Names may be as long as the file system allows.
+    const std::string path = _folder / std::string(NAME_MAX, 'n');
+    EXPECT_EQ(codeOf(_files.createFileAtPath(path, bytesOf("one"))), 0);
+    EXPECT_EQ(codeOf(_files.replaceFileAtPath(path, bytesOf("two"))), 0);
+    EXPECT_EQ(contentsOf(_files, path), "two");
+    EXPECT_EQ(codeOf(_files.copyItemAtPath(path, _folder / std::string(NAME_MAX, 'c'))), 0);
+    EXPECT_EQ(_folder.items().size(), 2U);
     const std::string component = _folder / std::string(2 * PATH_MAX, 'n') + "/file";
     EXPECT_EQ(codeOf(_files.contentsAtPath(component)), ENAMETOOLONG);
 }
@@ -54,9 +60,8 @@ TEST_F(LongPaths, EveryOperationGoesBeyondPathMax) {
 TEST_F(LongPaths, HundredsOfLevelsNeedFewDescriptors) {
     constexpr int kDepth = 700; // far more than descriptors, and beyond PATH_MAX
     std::string path = _folder / "deep";
-    for (int i = 1; i < kDepth; ++i) {
+    for (int i = 1; i < kDepth; ++i)
         path += "/a level";
-    }
     EXPECT_TRUE(passesInChild([&] {
         const rlimit limit = {128, 128};
         ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -75,29 +80,26 @@ TEST_F(LongPaths, HundredsOfLevelsNeedFewDescriptors) {
                   0);
         EXPECT_EQ(count, 2 * (kDepth + 3));
     }));
-    for (const char* name : {"deep", "copy"}) {
+    for (const char* name : {"deep", "copy"})
         EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / name)), 0) << name;
-    }
     EXPECT_EQ(_folder.items(), Items());
 }
 
 TEST_F(LongPaths, AWalkWhoseWayBackIsGoneFails) {
     std::string path = _folder / "deep";
-    for (int i = 1; i < 200; ++i) {
+    for (int i = 1; i < 200; ++i)
         path += "/d";
-    }
     ASSERT_EQ(codeOf(_files.createDirectoryAtPath(path)), 0);
     int depth = 0;
-    const Status status =
-        _files.enumerateAtPath(_folder / "deep", [&](const std::string&, FileType) {
-            if (++depth == 199) { // the lower half goes elsewhere
-                EXPECT_EQ(codeOf(_files.moveItemAtPath(path.substr(0, path.size() - 200),
-                                                       _folder / "elsewhere")),
-                          0);
-            }
-            return true;
-        });
-    EXPECT_EQ(codeOf(status), ESTALE);
+    const auto visit = [&](const std::string&, FileType) {
+        if (++depth == 199) { // the lower half goes elsewhere
+            EXPECT_EQ(codeOf(_files.moveItemAtPath(path.substr(0, path.size() - 200),
+                                                   _folder / "elsewhere")),
+                      0);
+        }
+        return true;
+    };
+    EXPECT_EQ(codeOf(_files.enumerateAtPath(_folder / "deep", visit)), ESTALE);
 }
 
 } // namespace

@@ -12,33 +12,22 @@ namespace {
 using Moving = FilesTestCase;
 using test::readFile;
 
-TEST_F(Moving, FilesAndLinksAreDeletedAndFoldersRefused) {
-    _folder.writeFile("file", "text");
-    _folder.writeFile("folder/inner", "text");
-    ASSERT_EQ(::symlink("folder", (_folder / "way").c_str()), 0);
-    const struct {
-        std::string name;
-        int code;
-    } cases[] = {
-        {"folder", EISDIR}, {std::string("file\0x", 6), EINVAL}, {"file", 0}, {"file", ENOENT},
-        {"way", 0},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(codeOf(_files.removeFileAtPath(_folder / c.name)), c.code) << c.name;
-    }
-    EXPECT_EQ(_folder.items(), Items({"folder/", "folder/inner"}));
-}
-
-TEST_F(Moving, ItemsAreDeletedWithEverythingInThemButNothingBehindLinks) {
-    for (const char* name : {"kept/file", "tree/a/b/c", "tree/d", "tree/a/.e", "file"}) {
+TEST_F(Moving, OnlyWhatIsNamedIsDeletedAndNothingBehindLinks) {
+    for (const char* name : {"kept/file", "tree/a/b/c", "tree/d", "tree/a/.e", "file", "file2"})
         _folder.writeFile(name, "");
-    }
     ASSERT_EQ(::symlink("../../kept", (_folder / "tree/a/way").c_str()), 0);
     ASSERT_EQ(::symlink("kept", (_folder / "way").c_str()), 0);
+    ASSERT_EQ(::symlink("kept", (_folder / "way2").c_str()), 0);
     ASSERT_EQ(::mkfifo((_folder / "tree/fifo").c_str(), 0600), 0);
-    for (const char* name : {"tree", "way", "file"}) {
+    const std::pair<std::string, int> files[] = {{"kept", EISDIR},
+                                                 {std::string("file\0x", 6), EINVAL},
+                                                 {"file", 0},
+                                                 {"file", ENOENT},
+                                                 {"way", 0}};
+    for (const auto& [name, code] : files)
+        EXPECT_EQ(codeOf(_files.removeFileAtPath(_folder / name)), code) << name;
+    for (const char* name : {"tree", "way2", "file2"})
         EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / name)), 0) << name;
-    }
     EXPECT_EQ(codeOf(_files.removeItemAtPath(_folder / "tree")), ENOENT);
     EXPECT_EQ(_folder.items(), Items({"kept/", "kept/file"}));
 }
@@ -49,9 +38,8 @@ TEST_F(Moving, WhatCannotBeDeletedIsNamed) {
     ASSERT_EQ(::chmod(_folder.path().c_str(), 0777), 0);
     EXPECT_TRUE(passesInChild([&] {
         if (::getuid() == 0) { // whom no permission stops
-            for (const char* name : {"tree", "tree/locked"}) {
+            for (const char* name : {"tree", "tree/locked"})
                 ASSERT_EQ(::chown((_folder / name).c_str(), 65534, 65534), 0);
-            }
             ASSERT_EQ(::setresuid(65534, 65534, 65534), 0);
         }
         ASSERT_EQ(::chmod((_folder / "tree/locked").c_str(), 0500), 0);
@@ -63,8 +51,9 @@ TEST_F(Moving, WhatCannotBeDeletedIsNamed) {
     EXPECT_EQ(_folder.items(), Items({"tree/", "tree/locked/", "tree/locked/file"}));
 }
 
-/// Moves a file, a folder and a link, onto free names and onto taken ones.
-void expectMovesThatReplaceNothing(FileManager& files, const test::TemporaryDirectory& folder) {
+/// Moves a file, a folder and a link, onto free names and onto taken ones, and makes new files
+/// there.
+void expectNothingIsReplaced(FileManager& files, const test::TemporaryDirectory& folder) {
     folder.writeFile("file", "text");
     folder.writeFile("folder/inner", "inner");
     folder.writeFile("other", "other");
@@ -88,10 +77,28 @@ void expectMovesThatReplaceNothing(FileManager& files, const test::TemporaryDire
                                                         "folder/", "folder/inner", "other"}));
     EXPECT_EQ(readFile(folder / "file"), "text");
     EXPECT_EQ(readFile(folder / "other"), "other");
+
+    const std::string big(700000, 'x');
+    EXPECT_EQ(codeOf(files.createFileAtPath(folder / "new", bytesOf(big))), 0);
+    EXPECT_EQ(codeOf(files.createFileAtPath(folder / "new", bytesOf("2"))), EEXIST);
+    const auto pieces = files.newFileBesidePath(folder / "new");
+    for (int i = 0; i < 3; ++i) {
+        Bytes piece(700000, std::byte{'x'});
+        pieces->write(piece);
+    }
+    EXPECT_EQ(codeOf(pieces->finishAtPath(folder / "new")), EEXIST);
+    EXPECT_EQ(codeOf(pieces->finishAtPath(folder / "pieces")), 0);
+    EXPECT_TRUE(readFile(folder / "pieces") == big + big + big);
+    EXPECT_EQ(codeOf(files.removeFileAtPath(folder / "pieces")), 0);
+    EXPECT_EQ(codeOf(files.copyItemAtPath(folder / "new", folder / "new copy")), 0);
+    EXPECT_TRUE(readFile(folder / "new copy") == big);
+    EXPECT_EQ(codeOf(files.copyItemAtPath(folder / "folder", folder / "folder copy")), 0);
+    EXPECT_EQ(readFile(folder / "folder copy/inner"), "inner");
+    EXPECT_EQ(folder.items().size(), 10U) << testing::PrintToString(folder.items());
 }
 
 TEST_F(Moving, ReplacesNothing) {
-    expectMovesThatReplaceNothing(_files, _folder);
+    expectNothingIsReplaced(_files, _folder);
 }
 
 TEST_F(Moving, FileSystemsThatKnowLessGetTheSameInMoreSteps) {
@@ -100,39 +107,19 @@ TEST_F(Moving, FileSystemsThatKnowLessGetTheSameInMoreSteps) {
     const RefusedCall noNamingByDescriptor = {SYS_linkat, 4, AT_EMPTY_PATH, ENOENT};
     const RefusedCall noLinks = {SYS_linkat, 1, ~0U, EPERM};
     const RefusedCall noCloning = {SYS_copy_file_range, 4, ~0U, EXDEV};
-    const struct {
-        const char* name;
-        std::vector<RefusedCall> refused;
-    } cases[] = {
+    const std::pair<const char*, std::vector<RefusedCall>> cases[] = {
         {"no unnamed files", {noUnnamedFiles}},
         {"unnamed files that are named through /proc", {noNamingByDescriptor}},
         {"unnamed files, but no naming them", {noLinks}},
         {"no rename without replacing", {noUnnamedFiles, noSafeRename, noCloning}},
         {"no links either", {noUnnamedFiles, noSafeRename, noLinks}},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, refused] : cases) {
         const test::TemporaryDirectory folder;
-        EXPECT_TRUE(passesInChild([&] {
-            refuseCalls(c.refused);
-            expectMovesThatReplaceNothing(_files, folder);
-            const std::string big(700000, 'x');
-            EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf(big))), 0);
-            EXPECT_EQ(codeOf(_files.createFileAtPath(folder / "new", bytesOf("2"))), EEXIST);
-            const auto pieces = _files.newFileBesidePath(folder / "new");
-            for (int i = 0; i < 3; ++i) {
-                Bytes piece(700000, std::byte{'x'});
-                pieces->write(piece);
-            }
-            EXPECT_EQ(codeOf(pieces->finishAtPath(folder / "new")), EEXIST);
-            EXPECT_EQ(codeOf(pieces->finishAtPath(folder / "pieces")), 0);
-            EXPECT_TRUE(readFile(folder / "pieces") == big + big + big);
-            EXPECT_EQ(codeOf(_files.removeFileAtPath(folder / "pieces")), 0);
-            EXPECT_EQ(codeOf(_files.copyItemAtPath(folder / "new", folder / "new copy")), 0);
-            EXPECT_TRUE(readFile(folder / "new copy") == big);
-            EXPECT_EQ(codeOf(_files.copyItemAtPath(folder / "folder", folder / "folder copy")), 0);
-            EXPECT_EQ(readFile(folder / "folder copy/inner"), "inner");
-            EXPECT_EQ(folder.items().size(), 10U) << testing::PrintToString(folder.items());
-        })) << c.name;
+        EXPECT_TRUE(passesInChild([&, &calls = refused] {
+            refuseCalls(calls);
+            expectNothingIsReplaced(_files, folder);
+        })) << name;
     }
 }
 
