@@ -34,39 +34,37 @@ class PowerCutModel final : public SystemCallObserver {
     void cut(size_t moment, const std::function<void(const Files&)>& check) const;
 
   private:
-    using Object =
-        uint64_t; ///< a file or a folder, not to be mistaken for a later one of its inode
+    using Object = uint64_t; ///< not to be mistaken for a later one of its inode; 0: not beneath
     struct Place {
         Object folder;
         std::string name;
         auto operator<=>(const Place&) const = default;
     };
+    using Names = std::map<Place, Object>;
+    using Contents = std::map<Object, std::string>; ///< of files
     enum class Kind { link, remove, rename, syncFile, syncFolder, syncAll };
     struct Event {
-        Kind kind;
+        Kind kind = Kind::link;
         Place place;
-        Place to;                               ///< of a rename
-        Object object = 0;                      ///< what was linked, renamed or synced
-        std::map<Object, std::string> contents; ///< of the files synced
+        Place to;          ///< of a rename
+        Object object = 0; ///< what was linked or synced
+        Contents contents; ///< of the files synced
     };
-    using Names = std::map<Place, Object>;
 
-    void learn(Object folder, const std::string& path);
-    Object objectOf(int file);
-    Place placeOf(int folder, const char* name);
     Object newObject(uint64_t inode);
-    [[nodiscard]] static bool touches(const Event& event, Object folder);
+    [[nodiscard]] Object objectOf(int folder, const char* name) const;
+    [[nodiscard]] Place placeOf(int folder, const char* name) const;
+    [[nodiscard]] Contents contentsNow() const;
     static void apply(const Event& event, Names& names);
     static Files filesOf(Object folder, const std::string& prefix, const Names& names,
-                         const std::map<Object, std::string>& contents);
+                         const Contents& contents);
 
     std::string _root;
     std::map<uint64_t, Object> _objects; ///< by inode
-    std::map<Object, bool> _isFolder;
     Names _firstNames;
-    std::map<Object, std::string> _firstContents;
+    Contents _firstContents;
     std::vector<Event> _events;
-    Object _last = 0;
+    Object _last = 0; ///< the root is 1
 };
 
 } // namespace zelmora::test
