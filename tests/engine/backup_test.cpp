@@ -1,7 +1,6 @@
 // Copies of what is handed over, their names, and what happens when none can be made.
 
 #include "engine/backup_manager.h"
-#include "engine/document_controller.h"
 #include "engine/settings.h"
 #include "engine_fixture.h"
 
@@ -137,20 +136,6 @@ TEST_F(BackupTest, ReplacingNeverDeletesTheSourceItself) {
         EXPECT_FALSE(manager.backupPath(source));
         EXPECT_EQ(readFile(source), "only copy");
     }
-}
-
-TEST_F(BackupTest, PathWithoutBackupIsNotQueuedAndTheNextOneIs) {
-    folder.writeFile("one/a.txt", "a");
-    folder.writeFile("two/b.txt", "b");
-    ZelDocumentController controller(services());
-    files.failEvery("copyItemAtPath", ENOSPC);
-    controller.openDocumentWithContentsOfFile(folder / "one");
-    EXPECT_FALSE(controller.wakeupThreadIfNeed());
-    EXPECT_EQ(controller.failedCount(), 1U);
-    files.failEvery("copyItemAtPath", 0);
-    controller.openDocumentWithContentsOfFile(folder / "two");
-    EXPECT_TRUE(controller.wakeupThreadIfNeed());
-    EXPECT_EQ(readFile(folder / "backup/two/b.txt"), "b");
 }
 
 } // namespace

