@@ -1,7 +1,5 @@
 #include "desktop_fixture.h"
 
-#include "engine/settings.h"
-
 #include <QAbstractButton>
 #include <QElapsedTimer>
 #include <cstdlib>
@@ -32,7 +30,7 @@ bool RecordingWorkspace::openURL(const std::string& url) {
 
 DesktopTest::DesktopTest() : strings(bundle.localizedStrings(files, "en").value()) {
     settings::registerDefaults(defaults, files, bundle);
-    defaults.setValueForThisRun(false, settings::autoBackup);
+    defaults.setBool(false, settings::autoBackup);
     application.installStrings(strings, "en");
     QObject::connect(&_answers, &QTimer::timeout, [this] { answerShownBox(); });
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/app_controller.h"
+#include "engine/settings.h"
 #include "platform/desktop/desktop_user_interface.h"
 #include "tests/support/temporary_directory.h"
 
@@ -42,7 +43,7 @@ class DesktopTest : public ::testing::Test {
     TemporaryDirectory folder;
     platform::FileManager& files = platform::FileManager::defaultManager();
     platform::Bundle bundle{ZELMORA_RESOURCES};
-    platform::UserDefaults defaults;
+    platform::UserDefaults defaults{settings::allKeys()};
     platform::LocalizedStrings strings;
     platform::DesktopApplication& application = desktopApplication();
     platform::DesktopUserInterface userInterface{{bundle, files, defaults, application}};

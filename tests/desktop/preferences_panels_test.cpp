@@ -1,5 +1,4 @@
 // What the panels' answers store.
-#include "engine/settings.h"
 #include "preferences_fixture.h"
 
 #include <QAbstractButton>

@@ -1,5 +1,4 @@
 // Bindings, and which controls other settings leave enabled.
-#include "engine/settings.h"
 #include "preferences_fixture.h"
 
 #include <QCheckBox>
@@ -40,7 +39,6 @@ QWidget& boundWidget(QWidget& window, std::string_view key) {
 } // namespace
 
 TEST_F(PreferencesTest, SpeaksBothLanguages) {
-    const platform::Bundle bundle(ZELMORA_RESOURCES);
     const auto form = QString::fromStdString(readFile(bundle.pathForResource("Preferences", "ui")));
     for (const char* language : {"en", "ja"}) {
         const auto table = bundle.localizedStrings(files, language).value();
@@ -157,7 +155,10 @@ TEST_F(PreferencesTest, NeverAddsAnEmptyExtension) {
         edit.setText(text);
         EXPECT_FALSE(edit.hasAcceptableInput()) << text;
     }
-    type("editExtension", "html");
+    edit.clear();
+    edit.insert("html");
+    edit.setModified(true);
+    Q_EMIT edit.editingFinished();
     EXPECT_EQ(savedDefaults()->stringForKey(settings::extensionOfDstFiles), "html");
 
     defaults.setInteger(0, settings::convertExtension);
@@ -170,11 +171,13 @@ TEST_F(PreferencesTest, KeepsWhatAnotherProcessSavesAndTellsOnceThatItCannotSave
     const auto other = savedDefaults();
     other->setInteger(2, settings::encodingCode);
     ASSERT_TRUE(other->save(files).ok());
-    files.failEvery("replaceFileAtPath", ENOSPC);
+    savingFiles.failEvery("replaceFileAtPath", ENOSPC);
+    answerBoxes("OK");
     for (int click = 0; click < 2; ++click)
         find<QCheckBox>("checkLog").click();
-    EXPECT_EQ(userInterface.alerts.size(), 1U);
-    files.failEvery("replaceFileAtPath", 0);
+    EXPECT_TRUE(runUntil([&] { return !boxTexts.empty(); }));
+    EXPECT_EQ(lastList.count("saved.plist"), 1) << lastList.toStdString();
+    savingFiles.failEvery("replaceFileAtPath", 0);
     find<QCheckBox>("checkLog").click();
     EXPECT_EQ(find<QComboBox>("popupEncoding").currentData().toInt(), 2);
     EXPECT_FALSE(isEnabled("checkPutBOM"));
@@ -185,19 +188,15 @@ TEST_F(PreferencesTest, KeepsWhatAnotherProcessSavesAndTellsOnceThatItCannotSave
 
 TEST_F(PreferencesTest, GoesWhenTheApplicationTerminates) {
     close();
-    int made = 0;
-    const auto counted = [&](std::string_view name) {
-        ++made;
-        return loadForm(name);
-    };
-    const PreferencesServices services{defaults, files, strings, userInterface, panels, counted};
+    formsLoaded = 0;
+    const auto services = preferencesServices();
     auto& first = ZelPrefWndController::sharedPrefWndController(services);
     EXPECT_EQ(&ZelPrefWndController::sharedPrefWndController(services), &first);
     auto& center = platform::NotificationCenter::defaultCenter();
     center.post(platform::applicationWillTerminateNotification);
-    EXPECT_EQ(made, 1);
+    EXPECT_EQ(formsLoaded, 1);
     ZelPrefWndController::sharedPrefWndController(services);
-    EXPECT_EQ(made, 2);
+    EXPECT_EQ(formsLoaded, 2);
     center.post(platform::applicationWillTerminateNotification);
 }
 

@@ -1,5 +1,4 @@
 // The editable lists of extensions.
-#include "engine/settings.h"
 #include "preferences_fixture.h"
 
 #include <QAbstractButton>
