@@ -1,4 +1,4 @@
-// One file from its bytes to its bytes, and what every failure on the way leaves behind.
+// One file from its bytes to its bytes, its names and HFS codes, and what a late failure leaves.
 
 #include "engine/document_controller.h"
 #include "engine/settings.h"
@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <random>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zelmora::test {
@@ -24,6 +23,7 @@ class ConversionTest : public EngineTest {
         return "A file could not be converted.|" + path + " was not converted. " + why;
     }
     void set(std::string_view key, int64_t value) { defaults.setInteger(value, key); }
+    void set(std::string_view key, const char* text) { defaults.setObject(std::string(text), key); }
 
     ZelDocumentController controller{services()};
 };
@@ -42,37 +42,6 @@ TEST_F(ConversionTest, ShiftJISMappingsAreChosenForReadingAndWriting) {
         convert(path);
         EXPECT_EQ(readFile(path), "\x81\x60") << mapping;
     }
-}
-
-TEST_F(ConversionTest, FileThatCannotBeConvertedIsReportedAndLeft) {
-    const auto bad = folder.writeFile("bad.txt", "\x81\x40 \x81"); // cut in a character
-    const auto large = folder.writeFile("large.txt", "\x95\x5c");
-    folder.writeFile("folder.txt/x", "");
-    const auto good = folder.writeFile("good.txt", "\x95\x5c");
-    ASSERT_EQ(mkfifo((folder / "fifo.txt").c_str(), 0600), 0);
-    files.setHook([&](const FaultyFileManager::Operation& each) {
-        if (each.path == large)
-            throw std::bad_alloc();
-    });
-    Items expected;
-    for (const auto& [name, why] : {
-             std::pair{"bad.txt", "Its bytes are not valid Shift_JIS."},
-             {"none.txt", "It cannot be read: No such file or directory."},
-             {"fifo.txt", "It is not a file that holds text."},
-             {"folder.txt", "It cannot be read: Is a directory."},
-             {"large.txt", "It cannot be read: Cannot allocate memory."},
-         }) {
-        convert(folder / name);
-        expected.push_back(alertOf(folder / name, why));
-    }
-    convert(good);
-    EXPECT_EQ(alertTexts(), expected);
-    EXPECT_EQ(controller.failedCount(), 5U);
-    EXPECT_EQ(readFile(bad), "\x81\x40 \x81");
-    EXPECT_EQ(readFile(large), "\x95\x5c");
-    EXPECT_EQ(readFile(good), "\xe8\xa1\xa8");
-    EXPECT_EQ(folder.items(), (Items{"bad.txt", "fifo.txt", "folder.txt/", "folder.txt/x",
-                                     "good.txt", "large.txt"}));
 }
 
 TEST_F(ConversionTest, EverySettingAndLengthInPiecesAsIfItWereWhole) {
@@ -152,6 +121,89 @@ TEST_F(ConversionTest, LinkIsReplacedByTheConvertedFileAndItsTargetStays) {
     EXPECT_EQ(readFile(target), "\x95\x5c");
     EXPECT_EQ(folder.items(), (Items{"link.txt", "target.txt"}));
     EXPECT_EQ(readFile(folder / "link.txt"), "\xe8\xa1\xa8");
+}
+
+TEST_F(ConversionTest, TemporaryNameIsFirstFreeSibling) {
+    for (const auto* name : {"b#0.txt", "b#2.txt"})
+        folder.writeFile(name, "");
+    const std::pair<const char*, const char*> cases[] = {
+        {"a.txt", "a#0.txt"},   {"b.txt", "b#1.txt"},
+        {"README", "README#0"}, {".profile", ".profile#0"},
+        {".a.txt", ".a#0.txt"}, {"a.tar.gz", "a.tar#0.gz"},
+        {"a.", "a#0"},          {"\xff\xfe.txt", "\xff\xfe#0.txt"},
+    };
+    for (const auto& [source, expected] : cases)
+        EXPECT_EQ(controller.dstPathForSrcPath(folder / source), folder / expected) << source;
+}
+
+TEST_F(ConversionTest, FinalNameFollowsTheExtensionSettings) {
+    const struct {
+        const char* source;
+        int64_t convert;
+        const char* extension;
+        int64_t adding;
+        Items expected;
+        const char* taken = nullptr; ///< a name taken beforehand
+    } cases[] = {
+        {"a.txt", 0, "html", 2, {"a.txt"}},
+        {"a.txt", 1, "html", 1, {"a.txt.html"}},
+        {"a.txt", 1, "html", 2, {"a.html"}},
+        {"a.txt", 1, "html", 0, {"a.txt"}},
+        {"a.txt", 1, "html", 2, {"a#0.html", "a.html"}, "a.html"},
+        {"a.HTML", 1, "html", 2, {"a.HTML"}},
+        {"README", 1, "html", 0, {"README.html"}},
+        {"a.txt", 1, "", 2, {"a.txt"}},
+        {"a.txt", 1, "x/../../b", 2, {"a.txt"}},
+        {"a.txt", 2, "", 0, {"a"}},
+        {"a.txt", 2, "", 0, {"a", "a#0"}, "a"},
+        {".profile", 2, "", 0, {".profile"}},
+    };
+    for (const auto& each : cases) {
+        const TemporaryDirectory place;
+        if (each.taken != nullptr)
+            place.writeFile(each.taken, "other");
+        const auto source = place.writeFile(each.source, "old");
+        const auto converted = place.writeFile("converted", "new");
+        set(settings::convertExtension, each.convert);
+        set(settings::extensionOfDstFiles, each.extension);
+        set(settings::actionForAddingExtension, each.adding);
+        EXPECT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
+        EXPECT_EQ(place.items(), each.expected) << each.source << " " << each.extension;
+        if (each.taken != nullptr) {
+            EXPECT_EQ(readFile(place / each.taken), "other") << each.source;
+        }
+    }
+}
+
+TEST_F(ConversionTest, HFSCodesFollowTheSettings) {
+    auto& disk = platform::FileManager::defaultManager();
+    const platform::HFSCodes sourceCodes{.type = 0x54455854, .creator = 0x74747874};
+    const struct {
+        int64_t creatorAction;
+        const char* creator;
+        int64_t typeAction;
+        const char* type;
+        platform::HFSCodes expected;
+    } cases[] = {
+        {0, "ab", 0, "cd", sourceCodes},
+        {1, "ab", 2, "TEXT", {.type = 0, .creator = 0x61622020}},
+        {2, "", 1, "TEXTURE", {.type = 0x54455854, .creator = 0}},
+        {1, "", 1, "\xe3\x81\x82", {.type = 0x42202020, .creator = 0}}, // U+3042: its low byte
+    };
+    for (const auto& each : cases) {
+        const auto source = folder.writeFile("a.txt", "old");
+        const auto converted = folder.writeFile("a#0.txt", "new");
+        ASSERT_TRUE(disk.setHFSCodes(sourceCodes, source).ok());
+        set(settings::actionForCreator, each.creatorAction);
+        set(settings::creatorCode, each.creator);
+        set(settings::actionForFileType, each.typeAction);
+        set(settings::fileType, each.type);
+        ASSERT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
+        EXPECT_EQ(disk.hfsCodesOfItemAtPath(source).value(), each.expected) << each.creator;
+    }
+    EXPECT_EQ(FourCharCodeFromString(std::nullopt), 0U);
+    EXPECT_EQ(StringFromFourCharCode(0), u"");
+    EXPECT_EQ(StringFromFourCharCode(0xFF000041), std::u16string(u"\u00ff\0\0A", 4));
 }
 
 } // namespace

@@ -1,13 +1,16 @@
+// The settings' names, types and texts, and which files under a path they make targets.
+
 #include "engine/settings.h"
+#include "engine/target_files.h"
+#include "engine_fixture.h"
 
-#include "tests/support/temporary_directory.h"
-
-#include <gtest/gtest.h>
 #include <limits>
+#include <unistd.h>
 
-namespace zelmora::settings {
+namespace zelmora::test {
 namespace {
 
+using namespace settings;
 using platform::FileManager;
 using platform::PropertyListArray;
 using platform::PropertyListDictionary;
@@ -71,7 +74,7 @@ TEST(SettingsTest, ShippedDefaultsGiveEveryKeyAValueOfItsType) {
 }
 
 TEST(SettingsTest, UnreadableDefaultsRegisterNothing) {
-    const test::TemporaryDirectory directory;
+    const TemporaryDirectory directory;
     directory.writeFile("text/UserDefaults.plist", "text");
     directory.writeFile("array/UserDefaults.plist", "<plist><array/></plist>");
     for (const std::string_view folder : {"missing", "text", "array"}) {
@@ -82,5 +85,84 @@ TEST(SettingsTest, UnreadableDefaultsRegisterNothing) {
     }
 }
 
+class TargetFilesTest : public EngineTest {
+  protected:
+    void setExtensions(std::string_view key, const char* list) {
+        defaults.setObject(*valueFromText(*keyNamed(key), list), key);
+    }
+    TargetFiles targets{defaults, files};
+};
+
+TEST_F(TargetFilesTest, NameAloneDecides) {
+    setExtensions(nameExtensionArray, "txt,HTM");
+    const struct {
+        const char* name;
+        bool answers[4]; ///< with neither switch, with each alone, with both
+    } cases[] = {
+        {"/x/a.TXT", {true, true, true, true}},
+        {"/x/a.htm", {true, true, true, true}},
+        {"/x/a.html", {false, false, false, false}},
+        {"/x/README", {false, false, true, true}},
+        {"/x/.hidden.txt", {false, true, false, true}},
+        {"/x/.profile", {false, false, false, true}},
+        {"/x/.DS_Store", {false, false, false, false}},
+        {"/x/a.", {false, false, true, true}},
+        {"/.hidden/a.txt", {true, true, true, true}},
+        {"/x.txt/a", {false, false, true, true}},
+        {"/x/\xff.txt", {true, true, true, true}},
+    };
+    for (const auto& [name, answers] : cases) {
+        for (const int mode : {0, 1, 2, 3}) {
+            defaults.setBool((mode & 1) != 0, allowConvertHiddenFiles);
+            defaults.setBool((mode & 2) != 0, allowConvertNoNameExtension);
+            EXPECT_EQ(targets.isTarget(name), answers[mode]) << name << " " << mode;
+        }
+    }
+    setExtensions(nameExtensionArray, "");
+    EXPECT_FALSE(targets.isTarget("a.txt"));
+    defaults.setObject(PropertyListArray{std::string("txt")},
+                       nameExtensionArray); // entries of another shape are passed over
+    EXPECT_FALSE(targets.isTarget("a.txt"));
+}
+
+TEST_F(TargetFilesTest, KindsFollowTheirLists) {
+    setExtensions(htmlExtensionArray, "html,xhtml");
+    setExtensions(xmlExtensionArray, "xml,xhtml");
+    const struct {
+        const char* path;
+        bool html, xml, css;
+    } cases[] = {
+        {"/a.HTML", true, false, false}, {"/a.xhtml", true, true, false},
+        {"/a.xml", false, true, false},  {"/a.CSS", false, false, true},
+        {"/css", false, false, false},   {"", false, false, false},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(targets.isHTMLFile(each.path), each.html) << each.path;
+        EXPECT_EQ(targets.isXMLFile(each.path), each.xml) << each.path;
+        EXPECT_EQ(targets.isCSSFile(each.path), each.css) << each.path;
+    }
+}
+
+TEST_F(TargetFilesTest, LinksAreNotFollowedAndWhatIsNotThereMayBeATarget) {
+    folder.writeFile("out/e.txt", "");
+    folder.writeFile("folder.txt/d.bin", "");
+    ASSERT_EQ(symlink("out", (folder / "link").c_str()), 0);
+    const std::pair<const char*, Items> cases[] = {{"", {"out/e.txt"}},
+                                                   {"out", {"out/e.txt"}},
+                                                   {"link", {}}, // a link is no folder
+                                                   {"folder.txt/d.bin", {}},
+                                                   {"not there.txt", {"not there.txt"}}};
+    for (const auto& [name, expected] : cases) {
+        Items names;
+        EXPECT_TRUE(targets
+                        .scan(folder.path() + (*name ? "/" : "") + name,
+                              [&](const std::string& target) {
+                                  names.push_back(target.substr(folder.path().size() + 1));
+                              })
+                        .ok());
+        EXPECT_EQ(names, expected) << name;
+    }
+}
+
 } // namespace
-} // namespace zelmora::settings
+} // namespace zelmora::test

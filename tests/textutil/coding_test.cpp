@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace zelmora {
 namespace {
@@ -98,53 +97,6 @@ TEST(Coding, WhatCannotBeEncodedIsAlteredAndTheRestKept) {
             EXPECT_EQ(encoded(u"a\U0001F600z", {encoding, kNoOrder, false, mapping}), "a?z");
     }
     EXPECT_EQ(encoded(u"\xD800z", {utf8, kNoOrder, true}), "\xEF\xBB\xBF?z");
-}
-
-std::vector<OrvEncodingInfo> everyJapaneseRecord() {
-    std::vector<OrvEncodingInfo> records = {
-        {shiftjis}, {shiftjis, kNoOrder, false, kWindows}, {jis}, {eucjp}};
-    for (const bool mark : {false, true}) {
-        records.push_back({utf8, kNoOrder, mark});
-        for (const OrvEncoding encoding : {utf16, utf32}) {
-            for (const OrvByteOrder order : {littleEndian, bigEndian})
-                records.push_back({encoding, order, mark});
-        }
-    }
-    return records;
-}
-
-// Each file is written, detected, read, given new line breaks, written as the next kind, and read
-// again: what the converter does with it, twice.
-TEST(Coding, EveryRecordAndLineBreakToEveryOther) {
-    const auto textWith = [](OrvLineBreak kind) {
-        const std::u16string lineBreak = *utility.lineBreakString(kind);
-        return u"漢字とカナ、ABC 123。" + lineBreak + lineBreak + u"「二行目」" + lineBreak;
-    };
-    const auto writtenAndRead = [](const std::u16string& text, OrvEncodingInfo written) {
-        const auto data = utility.dataWithString(text, written);
-        OrvEncodingInfo info = utility.encodingInfoOfTextData(data);
-        info.characterMapping = written.characterMapping;
-        EXPECT_EQ(nameOf(info), nameOf(written)) << "not what was written";
-        return utility.stringWithData(data, info).value_or(u"no text");
-    };
-    using enum OrvLineBreak;
-    // Only the Unicode encodings hold U+2028.
-    const auto lineBreaksOf = [](OrvEncodingInfo info) {
-        return info.encoding >= utf8 ? std::vector{lf, cr, crlf, ls} : std::vector{lf, cr, crlf};
-    };
-    for (const OrvEncodingInfo& source : everyJapaneseRecord()) {
-        for (const OrvEncodingInfo& target : everyJapaneseRecord()) {
-            SCOPED_TRACE(nameOf(source) + " to " + nameOf(target));
-            for (const OrvLineBreak from : lineBreaksOf(source)) {
-                for (const OrvLineBreak to : lineBreaksOf(target)) {
-                    auto text = writtenAndRead(textWith(from), source);
-                    ASSERT_EQ(utility.lineBreakTypeOfString(text), from);
-                    utility.convertLineBreakOfString(text, from, to);
-                    ASSERT_EQ(writtenAndRead(text, target), textWith(to));
-                }
-            }
-        }
-    }
 }
 
 } // namespace
