@@ -12,6 +12,10 @@ namespace zelmora::test {
 
 namespace {
 
+using platform::PropertyListArray;
+using platform::PropertyListDictionary;
+using platform::PropertyListValue;
+
 class CollectionsTest : public FoundationTest {};
 
 Owned makeArray(std::initializer_list<std::wstring_view> texts) {
@@ -146,9 +150,6 @@ TEST_F(CollectionsTest, DictionaryOrdersItsKeys) {
 }
 
 TEST_F(CollectionsTest, ContainersCopyToPlatformObjects) {
-    using platform::PropertyListArray;
-    using platform::PropertyListDictionary;
-    using platform::PropertyListValue;
     const Owned array = makeArray({L"é"});
     OrvArrayAddObject(array.get(), OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null"));
     OrvArrayAddObject(array.get(), Owned(OrvNumberCreateWithInt(-3)).get());
@@ -183,20 +184,19 @@ TEST_F(CollectionsTest, NumbersConvertAsC) {
     EXPECT_EQ(OrvNumberGetFloat(makeText(L"1").get()), 0.0F);
 
     const Owned huge(OrvNumberCreateWithUnsignedLongLong(UINT64_MAX));
-    EXPECT_EQ(OrvCopyCocoaObject(huge.get()), platform::PropertyListValue(0x1p64));
+    EXPECT_EQ(OrvCopyCocoaObject(huge.get()), PropertyListValue(0x1p64));
     const Owned yes(OrvNumberCreateWithBool(true));
-    EXPECT_EQ(OrvCopyCocoaObject(yes.get()), platform::PropertyListValue(true));
+    EXPECT_EQ(OrvCopyCocoaObject(yes.get()), PropertyListValue(true));
 }
 
 TEST_F(CollectionsTest, DataKeepsItsBytes) {
-    const Owned data(OrvDataCreate("ab\0c", 4));
-    EXPECT_EQ(OrvGetTypeID(data.get()), 4U);
-    EXPECT_EQ(std::string(static_cast<const char*>(OrvDataGetBytes(data.get())),
-                          OrvDataGetSize(data.get())),
-              std::string("ab\0c", 4));
     const auto view = platform::bytesOf({"ab\0c", 4});
+    const Owned data(OrvDataCreate(view.data(), view.size()));
+    EXPECT_EQ(OrvGetTypeID(data.get()), 4U);
+    EXPECT_EQ(OrvDataGetSize(data.get()), 4U);
+    EXPECT_NE(OrvDataGetBytes(data.get()), view.data());
     EXPECT_EQ(OrvCopyCocoaObject(data.get()),
-              platform::PropertyListValue(platform::Bytes(view.begin(), view.end())));
+              PropertyListValue(platform::Bytes(view.begin(), view.end())));
     EXPECT_EQ(OrvDataGetSize(Owned(OrvDataCreate(nullptr, 0)).get()), 0U);
 }
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <regex>
 #include <sstream>
 
 namespace zelmora::test {
@@ -39,20 +40,13 @@ Lines rawLinesOf(Work&& work) {
     return lines;
 }
 
-/// `line` without its prefix; the whole line if it has none.
-inline std::string withoutPrefix(const std::string& line) {
-    std::string shape = line.substr(0, line.find("] ") + 1);
-    for (char& c : shape)
-        c = c >= '0' && c <= '9' ? '0' : c;
-    shape.erase(std::unique(shape.begin(), shape.end()), shape.end());
-    return shape == "0/0/0 0:0:0[0]" ? line.substr(line.find("] ") + 2) : line;
-}
-
-/// The lines that `work` writes, without their prefixes.
+/// The lines that `work` writes, without their prefixes where they have one.
 template<typename Work>
 Lines linesOf(Work&& work) {
+    static const std::regex prefix("^\\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\[\\d+\\] ");
     Lines lines = rawLinesOf(std::forward<Work>(work));
-    std::transform(lines.begin(), lines.end(), lines.begin(), withoutPrefix);
+    for (std::string& line : lines)
+        line = std::regex_replace(line, prefix, "");
     return lines;
 }
 

@@ -21,11 +21,6 @@ class ManualRunLoop final : public platform::RunLoop {
     void wakeUp() override {}
 };
 
-int64_t liveObjectsAfter(OrvIBase* handedToPool) {
-    OrvTemporaryObjectsPoolAddObject(handedToPool);
-    return OrvLiveObjectCount();
-}
-
 } // namespace
 
 TEST_F(ObjectTest, CountsReferencesFromOneAndComparesByAddress) {
@@ -62,33 +57,39 @@ TEST_F(ObjectTest, RegistryRetainsAndReplaces) {
     EXPECT_EQ(OrvGetSharedObject(L"other"), nullptr);
 }
 
-TEST_F(ObjectTest, InnerPoolReleasesOnlyItsOwn) {
+TEST_F(ObjectTest, PoolsReleaseOnlyTheirOwnAndShareLiterals) {
     const int64_t before = OrvLiveObjectCount();
-    OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
-    OrvIBase* outer = OrvGetCurrentTemporaryObjectsPool();
+    const OrvIBase* literal = OrvTemporaryString(L"literal");
+    EXPECT_EQ(OrvTemporaryString(std::wstring(L"literal").c_str()), literal);
+    EXPECT_NE(OrvTemporaryString(L"other"), literal);
+    const OrvIBase* outer = OrvGetCurrentTemporaryObjectsPool();
     {
         const Owned inner(OrvTemporaryObjectsPoolCreate());
         EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), inner.get());
         EXPECT_EQ(OrvGetTypeID(inner.get()), 28U);
+        EXPECT_NE(OrvTemporaryString(L"literal"), literal);
         OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
-        EXPECT_EQ(OrvLiveObjectCount(), before + 3);
+        EXPECT_EQ(OrvLiveObjectCount(), before + 5);
     }
-    EXPECT_EQ(OrvLiveObjectCount(), before + 1);
+    EXPECT_EQ(OrvLiveObjectCount(), before + 2);
     EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), outer);
+    drain();
+    EXPECT_EQ(OrvLiveObjectCount(), before);
+    EXPECT_EQ(stringOf(OrvTemporaryString(L"literal")), L"literal");
 }
 
 TEST_F(ObjectTest, ATemporaryTakesTheMutexOnce) {
-    const std::pair<const char*, std::function<void()>> makers[] = {
-        {"handed over", [] { OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty()); }},
-        {"new literal", [] { (void)OrvTemporaryString(L"literal"); }},
-        {"known literal", [] { (void)OrvTemporaryString(L"literal"); }},
-        {"platform text", [] { (void)OrvTemporaryStringWithNSString(u"text"); }},
-        {"line break", [] { (void)OrvLineBreakString(1); }},
+    const std::function<void()> makers[] = {
+        [] { OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty()); },
+        [] { (void)OrvTemporaryString(L"new literal"); },
+        [] { (void)OrvTemporaryString(L"new literal"); }, // known by now
+        [] { (void)OrvTemporaryStringWithNSString(u"text"); },
+        [] { (void)OrvLineBreakString(1); },
     };
-    for (const auto& [name, make] : makers) {
+    for (const auto& make : makers) {
         const uint64_t before = OrvPoolLockCount();
         make();
-        EXPECT_EQ(OrvPoolLockCount(), before + 1) << name;
+        EXPECT_EQ(OrvPoolLockCount(), before + 1) << "maker " << &make - makers;
     }
 }
 
@@ -180,20 +181,22 @@ TEST(LibraryTest, RunLoopDrainsTheInnermostPoolUntilTermination) {
     using Activity = platform::RunLoop::Activity;
     ManualRunLoop loop;
     OrvFoundationInitialize();
-    const int64_t idle = OrvLiveObjectCount() - 1; // the null object loses the pool's reference
+    const int64_t idle = OrvLiveObjectCount();
     for (const auto activity : {Activity::beforeWaiting, Activity::exit}) {
-        EXPECT_GT(liveObjectsAfter(OrvStringCreateEmpty()), idle);
+        OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
         (void)OrvTemporaryString(L"literal");
+        EXPECT_EQ(OrvLiveObjectCount(), idle + 2);
         loop.notify(activity);
-        EXPECT_EQ(OrvLiveObjectCount(), idle + 1) << activity;
+        EXPECT_EQ(OrvLiveObjectCount(), idle) << activity;
+        // The null object loses no more than the pool's reference.
         EXPECT_EQ(OrvGetRetainCount(OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null")), 1U);
     }
     OrvFoundationTerminate();
 
     const Owned pool(OrvTemporaryObjectsPoolCreate());
-    const int64_t live = liveObjectsAfter(OrvStringCreateEmpty());
+    OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
     loop.notify(Activity::beforeWaiting);
-    EXPECT_EQ(OrvLiveObjectCount(), live);
+    EXPECT_EQ(OrvLiveObjectCount(), 2) << "the pool and its string";
 }
 
 } // namespace zelmora::test

@@ -1,6 +1,7 @@
 #include "foundation_fixture.h"
 
 #include <clocale>
+#include <random>
 
 namespace zelmora::test {
 
@@ -77,31 +78,61 @@ TEST_F(StringTest, Formats) {
     EXPECT_EQ(formatted(L"a%Cb", wint_t(0)), L"a");
 }
 
-TEST_F(StringTest, LiteralsAreSharedWithinOnePool) {
-    const OrvIBase* first = OrvTemporaryString(L"literal");
-    EXPECT_EQ(OrvTemporaryString(std::wstring(L"literal").c_str()), first);
-    EXPECT_NE(OrvTemporaryString(L"other"), first);
-    {
-        const Owned inner(OrvTemporaryObjectsPoolCreate());
-        EXPECT_NE(OrvTemporaryString(L"literal"), first);
-    }
-    const int64_t live = OrvLiveObjectCount();
-    drain();
-    EXPECT_EQ(OrvLiveObjectCount(), live - 2);
-    EXPECT_EQ(stringOf(OrvTemporaryString(L"literal")), L"literal");
+/// Any number that a caller may give for a place in a text of this many characters or a length.
+int32_t anyPlace(std::minstd_rand& random, size_t count) {
+    const int32_t places[] = {INT32_MIN, INT32_MAX, -1,
+                              static_cast<int32_t>(random() % (count + 3))};
+    return places[std::min<size_t>(random() % 12, 3)];
 }
 
-TEST_F(StringTest, Substrings) {
-    const struct {
-        OrvRange range;
-        std::wstring expected;
-    } cases[] = {{{2, 3}, L"cde"},    {{7, 1}, L""},          {{-1, 2}, L""},
-                 {{0, 0}, L""},       {{0, -1}, L""},         {{6, 1}, L""},
-                 {{0, 6}, L"abcdef"}, {{5, INT32_MAX}, L"f"}, {{INT32_MIN, INT32_MAX}, L""}};
-    const Owned string = makeText(L"abcdef");
-    for (const auto& [range, expected] : cases)
-        EXPECT_EQ(stringOf(Owned(OrvStringCreateSubstring(string.get(), range)).get()), expected)
-            << range.location << ", " << range.length;
+// Against the standard library's string.
+TEST_F(StringTest, IsCutAndChanged) {
+    const std::wstring breaks[] = {L"", L"\n", L"\r", L"\r\n", L"\u2028"};
+    std::minstd_rand random(1);
+    for (int round = 0; round < 5000; ++round) {
+        std::wstring text;
+        for (size_t i = random() % 8; i > 0; --i)
+            text += L" \n\r\n\u2028\t\v\f\u3000\u00A0ab𠮷"[random() % 13];
+        const int32_t at = anyPlace(random, text.size()), count = anyPlace(random, text.size());
+        const size_t first = std::min(static_cast<size_t>(at), text.size());
+        SCOPED_TRACE(testing::PrintToString(text) + " " + std::to_string(at) + " " +
+                     std::to_string(count));
+        const Owned string = makeText(text);
+        EXPECT_EQ(stringOf(Owned(OrvStringCreateSubstring(string.get(), {at, count})).get()),
+                  at < 0 || count < 0 ? L"" : text.substr(first, static_cast<size_t>(count)));
+
+        const auto place = static_cast<uint64_t>(at), length = static_cast<uint64_t>(count);
+        EXPECT_EQ(changed(text,
+                          [&](auto* s) {
+                              OrvStringReplaceCharacters(s, makeText(L"<>").get(), place, length);
+                          }),
+                  std::wstring(text).replace(first, length, L"<>"));
+        EXPECT_EQ(changed(text, [](auto* s) { OrvStringAppend(s, s); }), text + text);
+
+        const auto black = text.find_first_not_of(L" \n\r\t\v\f");
+        EXPECT_EQ(changed(text, OrvStringTrimWhitespace),
+                  black == text.npos
+                      ? L""
+                      : text.substr(black, text.find_last_not_of(L" \n\r\t\v\f") + 1 - black));
+
+        const auto from = static_cast<int32_t>(random() % 6),
+                   to = static_cast<int32_t>(random() % 7) - 1;
+        std::wstring converted = text;
+        if (from % 5 > 0 && to % 5 > 0) {
+            size_t found = 0;
+            while ((found = converted.find(breaks[from], found)) != converted.npos) {
+                converted.replace(found, breaks[from].size(), breaks[to]);
+                found += breaks[to].size();
+            }
+        }
+        EXPECT_EQ(changed(text, [&](auto* s) { OrvStringConvertLineBreaks(s, from, to); }),
+                  converted)
+            << from << " to " << to;
+    }
+    for (int32_t kind = 1; kind <= 4; ++kind)
+        EXPECT_EQ(stringOf(OrvLineBreakString(kind)), breaks[kind]) << kind;
+    EXPECT_EQ(OrvLineBreakString(0), nullptr);
+    EXPECT_EQ(OrvLineBreakString(5), nullptr);
 }
 
 TEST_F(StringTest, Compares) {
@@ -128,56 +159,6 @@ TEST_F(StringTest, Compares) {
     }
     const Owned mixed(OrvStringCreateWithCharacters(L"aZ{`é\0x", 7));
     EXPECT_EQ(stringOf(Owned(OrvStringCreateUppercase(mixed.get())).get()), L"AZ{`é");
-}
-
-TEST_F(StringTest, ChangesInPlace) {
-    for (const auto& [text, expected] : std::vector<std::pair<std::wstring, std::wstring>>{
-             {L" \t a b \r\n", L"a b"},
-             {L"   ", L""},
-             {L"", L""},
-             {L"\v\fa\u3000\u00A0", L"a\u3000\u00A0"}})
-        EXPECT_EQ(changed(text, OrvStringTrimWhitespace), expected) << utf8FromWide(text);
-
-    EXPECT_EQ(changed(L"ab", [](OrvIBase* s) { OrvStringAppend(s, s); }), L"abab");
-    const struct {
-        uint64_t location, count;
-        std::wstring expected;
-    } replacements[] = {{1, 2, L"a<>d"},   {0, 0, L"<>abcd"},        {4, 1, L"abcd<>"},
-                        {9, 9, L"abcd<>"}, {2, UINT64_MAX, L"ab<>"}, {0, 4, L"<>"}};
-    for (const auto& [location, count, expected] : replacements) {
-        const auto replace = [at = location, length = count](OrvIBase* s) {
-            OrvStringReplaceCharacters(s, makeText(L"<>").get(), at, length);
-        };
-        EXPECT_EQ(changed(L"abcd", replace), expected) << location << ", " << count;
-    }
-}
-
-TEST_F(StringTest, ConvertsLineBreaks) {
-    const struct {
-        std::wstring text;
-        int32_t from, to;
-        std::wstring expected;
-    } cases[] = {{L"a\nb\n", 1, 3, L"a\r\nb\r\n"},
-                 {L"a\nb\n", 1, 1, L"a\nb\n"},
-                 {L"\n\n", 1, 4, L"\u2028\u2028"},
-                 {L"a\r\n", 2, 3, L"a\r\n\n"},
-                 {L"\r\r\n\r", 3, 1, L"\r\n\r"},
-                 {L"a\u2028b", 4, 2, L"a\rb"},
-                 {L"", 1, 3, L""},
-                 {L"a\n", 0, 1, L"a\n"},
-                 {L"a\n", 1, 5, L"a\n"},
-                 {L"a\n", 1, -1, L"a\n"}};
-    for (const auto& [text, from, to, expected] : cases) {
-        const auto convert = [f = from, t = to](OrvIBase* s) {
-            OrvStringConvertLineBreaks(s, f, t);
-        };
-        EXPECT_EQ(changed(text, convert), expected) << utf8FromWide(text) << from << to;
-    }
-    const wchar_t* const breaks[] = {L"", L"\n", L"\r", L"\r\n", L"\u2028"};
-    for (int32_t kind = 1; kind <= 4; ++kind)
-        EXPECT_EQ(stringOf(OrvLineBreakString(kind)), breaks[kind]) << kind;
-    EXPECT_EQ(OrvLineBreakString(0), nullptr);
-    EXPECT_EQ(OrvLineBreakString(5), nullptr);
 }
 
 TEST_F(StringTest, ReadsHexadecimalValues) {
