@@ -82,28 +82,17 @@ TEST_F(DesktopTest, DropsOfLocalItemsArriveByteForByte) {
 }
 
 TEST_F(DesktopTest, AlertsGatherInOneWindowAndTheEndWaitsForIt) {
-    struct Delegate final : platform::ApplicationDelegate {
-        void applicationWillFinishLaunching() override {}
-        bool applicationOpenUntitledFile() override { return true; }
-        bool applicationOpenFile(const std::string&) override { return true; }
-        void applicationOpenFiles(const std::vector<std::string>&) override {}
-        platform::TerminateReply applicationShouldTerminate() override {
-            isAsked = true;
-            return platform::TerminateReply::cancel;
-        }
-        bool isAsked = false;
-    };
-    for (const size_t count : {1U, 500U}) {
+    for (const int count : {1, 500}) {
         SCOPED_TRACE(count);
-        Delegate delegate;
-        application.setDelegate(delegate);
+        ZelAppController controller(services());
+        application.setDelegate(controller);
         QString expected = "<b>one kind\n";
-        const auto tell = [&](size_t from, size_t to) {
-            for (size_t i = from; i < to; ++i)
+        for (int i = 0; i < count; ++i)
+            expected += "\t" + QString::number(i) + "<br>\n";
+        const auto tell = [&](int from, int to) {
+            for (int i = from; i < to; ++i)
                 userInterface.runModal({"<b>one kind", std::to_string(i) + "<br>"});
         };
-        for (size_t i = 0; i < count; ++i)
-            expected += "\t" + QString::number(i) + "<br>\n";
         auto& queue = application.runLoop().mainQueue();
         queue.async([&] { tell(0, (count + 1) / 2); });
         queue.async([&] { userInterface.terminate(); });
@@ -115,10 +104,8 @@ TEST_F(DesktopTest, AlertsGatherInOneWindowAndTheEndWaitsForIt) {
             if (!window)
                 return;
             tell((count + 1) / 2, count); // the rest comes while it is open
-            EXPECT_FALSE(delegate.isAsked);
             EXPECT_EQ(window->text(), expected);
-            const auto* list = window->findChild<QTreeWidget*>();
-            EXPECT_EQ(list->isVisible(), count > 1);
+            EXPECT_EQ(window->findChild<QTreeWidget*>()->isVisible(), count > 1);
             for (const auto* label : window->findChildren<QLabel*>())
                 EXPECT_TRUE(!label->pixmap().isNull() || label->textFormat() == Qt::PlainText);
             for (auto* button : window->findChildren<QAbstractButton*>()) {
@@ -130,7 +117,7 @@ TEST_F(DesktopTest, AlertsGatherInOneWindowAndTheEndWaitsForIt) {
             window->accept();
         });
         user.start(5);
-        EXPECT_TRUE(runUntil([&] { return delegate.isAsked; }));
+        EXPECT_EQ(application.run({}), 0);
         EXPECT_EQ(dismissals, 1);
     }
 }
@@ -171,34 +158,22 @@ TEST_F(DesktopTest, TheSavePanelAnswersANameOfItsType) {
     folder.writeFile("\x82\xa0/b.txt", "");
     const struct {
         const char* typed; ///< null: what is offered stays
-        bool hidesExtension;
-        const char* name; ///< null: Save is greyed out
-    } cases[] = {
-        {nullptr, true, "zelmora.txt"},
-        {nullptr, false, "zelmora.txt"},
-        {"a", true, "a.txt"},
-        {"a.TXT", false, "a.TXT"},
-        {"a.log", true, "a.log.txt"},
-        {"日本", false, "日本.txt"},
-        {"", true, nullptr},
-        {"..", true, nullptr},
-        {"a/b", true, nullptr},
-    };
-    platform::SavePanel panel;
-    panel.name = "zelmora";
-    panel.allowedFileType = "txt";
+        const char* name;  ///< null: Save is greyed out
+    } cases[] = {{nullptr, "zelmora.txt"}, {"a", "a.txt"},       {"a.TXT", "a.TXT"},
+                 {"a.log", "a.log.txt"},   {"日本", "日本.txt"}, {"", nullptr},
+                 {"..", nullptr},          {"a/b", nullptr}};
+    platform::SavePanel panel{.name = "zelmora", .allowedFileType = "txt"};
     panel.canSelectHiddenExtension = true;
-    for (const auto& [typed, hidesExtension, name] : cases) {
+    for (const auto& [typed, name] : cases) {
         SCOPED_TRACE(typed ? typed : "what is offered");
-        panel.isExtensionHidden = hidesExtension;
+        panel.isExtensionHidden = !panel.isExtensionHidden;
         platform::SavePanelDialog dialog(panel, nullptr);
         dialog.showFolder(place);
         auto& field = *dialog.findChildren<QLineEdit*>().last();
         if (typed)
             type(field, typed);
-        EXPECT_EQ(
-            dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->isEnabled(),
-            name != nullptr);
+        const auto* buttons = dialog.findChild<QDialogButtonBox*>();
+        EXPECT_EQ(buttons->button(QDialogButtonBox::Save)->isEnabled(), name != nullptr);
         if (!name)
             continue;
         EXPECT_EQ(dialog.chosenPath(), place + "/" + name);
@@ -215,8 +190,7 @@ TEST_F(DesktopTest, TheSavePanelAnswersANameOfItsType) {
 TEST_F(DesktopTest, TheSavePanelTakesAnExistingFileOnlyWhenConfirmed) {
     folder.writeFile("\xff.txt", "");
     folder.writeFile("z.txt/in.txt", "");
-    platform::SavePanel panel;
-    panel.allowedFileType = "txt";
+    platform::SavePanel panel{.name = "", .allowedFileType = "txt"};
     panel.isExtensionHidden = true;
     platform::SavePanelDialog dialog(panel, nullptr);
     dialog.showFolder(folder.path());
