@@ -157,7 +157,7 @@ TEST_F(JobTest, EndIsAtOnceWhileIdleAndWaitsTenSecondsForAFileInHand) {
         addBatch(inHand, inHand + 1);
         runUntilReached(pause);
         const auto begin = std::chrono::steady_clock::now();
-        std::thread letGo([&] {
+        std::thread letGo([&pause, hangs = hangs] {
             std::this_thread::sleep_for(hangs ? 10'500ms : 50ms);
             pause.end();
         });

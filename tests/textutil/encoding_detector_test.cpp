@@ -44,7 +44,7 @@ TEST(EncodingDetector, KnownAnswers) {
         // Bytes that only it uses, and whatever was counted before is not UTF-8.
         {"Shift_JIS",
          {"\x8D", "\x90", "\x93\xFA\x96{", "\x81\x1B$B", "\xC3\xA9\xFF\x81",
-          "\xFF" + repeated("\x80", 7), kanji + "\x80", "\x81@@\0"s}},
+          "\xFE" + repeated("\x80", 6), "\xFF" + repeated("\x80", 7), kanji + "\x80", "\x81@@\0"s}},
         // An escape sequence settles it, or those counted outweigh UTF-8, whose count FE clears.
         {"ISO-2022-JP",
          {ascii + "\x1B$B\x81", "\x1B$@", "\x1B(J", "\x1B(B\xC3\xA9", "\x1B\x1B(B",
@@ -85,8 +85,8 @@ TEST(EncodingDetector, AgreesWithThePlainRules) {
         "a",        "(B",       "$B",       "\x1B",         "\x1B(",
         "\x1B(B",   "\x1B(J",   "\x1B$",    "\0"s,          "\0a"s,
         "a\0"s,     "\xC3\xA9", "\xE3\xB1", "\xE3\x81\x82", "\xF9\xA8\xA8\xA8\xA8",
-        "\xFC\xA8", "\xFE",     "\xFF",     "\x93\xFA",     "\x88@",
-        "\xB1",     "\xC6\xFC", "\x8E\xB1", "\x8F\xB1\xA1"};
+        "\xFC\xA8", "\xA8\xA8", "\xFE",     "\xFF",         "\x93\xFA",
+        "\x88@",    "\xB1",     "\xC6\xFC", "\x8E\xB1",     "\x8F\xB1\xA1"};
     const std::string_view marks[] = {"", "\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF", "\xEF\xBB"};
     for (unsigned seed = 0; seed < 60000; ++seed) {
         std::mt19937 random(seed);
