@@ -67,11 +67,20 @@ TEST(Searching, FindsTagsByNameInTextAndBytes) {
         {"<header><HEAD a=b><head>", u"Head", 9, "18 <head>"},
         {"<head/><head", u"head", 0, "none"},
         {"<\"he<\"head\">", u"head", 0, "4 <\"head\">"},
+        {"</head><head>", u"head", 0, "7 <head>"},
         {"x<?XML?><?xml ?>", u"?xml", 0, "8 <?xml ?>"},
+        {"<a><!-- <?xml version=1.0?>", u"?xml", 0, "8 <?xml version=1.0?>"},
+        {"<?xml-stylesheet href=\"a\"?><a/>", u"?xml", 0, "none"},
+        {"<?xml version=\"1.0\" <a>", u"?xml", 0, "none"},
     };
     for (const auto& [source, name, start, found] : cases) {
         EXPECT_EQ(findInText(source, name, start), found) << source << " from " << start;
         EXPECT_EQ(findInBytes(source, name, start), found) << source << " from " << start;
+        OrvHTMLParser parser;
+        parser.setHTMLString(platform::utf16FromUTF8(source));
+        if (name == u"?xml"sv) {
+            EXPECT_EQ(placeInText(parser.findXMLProcInstTag()), found) << source;
+        }
     }
     // In Shift_JIS, and as the Macintosh Roman that bytes are taken for.
     EXPECT_EQ(findInBytes("\x82\xA0\x82\xA2<meta content=\x82\xA0>", u"meta", 0),
@@ -117,32 +126,34 @@ TEST(Searching, CutsTheTagAtAPlace) {
 }
 
 TEST(Searching, FindsTheEncodingDeclarationOnly) {
-    const std::u16string_view found[] = {
-        u"<META http-equiv=\"content-type\" content=\"x\">",
-        u"<meta HTTP-EQUIV=CONTENT-TYPE>",
-        u"<meta Http-Equiv=refresh http-equiv=Content-Type>",
-        u"<meta http-equiv=\" Content-Type\">",
+    const std::pair<const char*, const char*> cases[] = {
+        {"<META http-equiv=\"content-type\" content=\"x\">",
+         "0 <META http-equiv=\"content-type\" content=\"x\">"},
+        {"if (a < b) <meta\r\n\tHTTP-EQUIV=CONTENT-TYPE\r\n><meta http-equiv=Content-Type a=b>",
+         "11 <meta\r\n\tHTTP-EQUIV=CONTENT-TYPE\r\n>"},
+        {"<meta Http-Equiv=refresh http-equiv=Content-Type/>",
+         "0 <meta Http-Equiv=refresh http-equiv=Content-Type/>"},
+        {"<meta http-equiv=\" Content-Type\">", "0 <meta http-equiv=\" Content-Type\">"},
+        {"<!-- <meta http-equiv=Content-Type> -->", "5 <meta http-equiv=Content-Type>"},
+        // The tag ends at the first ">", whatever quotes are open.
+        {"<meta http-equiv=Content-Type content=\"a>b\">",
+         "0 <meta http-equiv=Content-Type content=\"a>"},
+        {"<p a=\"><meta http-equiv=Content-Type><b c=\">", "7 <meta http-equiv=Content-Type>"},
+        {"<meta content=\"a>b\" http-equiv=Content-Type>", "none"},
+        {"<meta http-equiv=Content-Type content=\"te", "none"},        // cut off
+        {"<meta http-equiv=Content-Type http-equiv=refresh>", "none"}, // the last value counts
+        {"<meta http-equiv=Content-Type http-equiv>", "none"},         // became the suffix
+        {"<meta content=\"http-equiv=Content-Type\">", "none"},
+        {"<meta http-equiv=Content-Type2><meta xhttp-equiv=Content-Type>", "none"},
+        {"<metal http-equiv=Content-Type><p http-equiv=Content-Type>", "none"},
+        {"<meta http-equiv=\"Content-Type \">", "none"},
+        {"<meta http\u2010equiv=Content-Type><meta HTTP-EQU\u0130V=Content-Type>", "none"},
+        {"<meta content=text/html; http-equiv=Content-Type>", "none"}, // the value of "html;"
     };
-    const std::u16string_view passedOver[] = {
-        u"<meta http-equiv=Content-Type http-equiv=refresh>", // the last value counts
-        u"<meta http-equiv=Content-Type http-equiv>",         // became the suffix
-        u"<meta content=\"http-equiv=Content-Type\">",
-        u"<meta http-equiv=Content-Type2><meta xhttp-equiv=Content-Type>",
-        u"<metal http-equiv=Content-Type><p http-equiv=Content-Type>",
-        u"<meta http-equiv=\"Content-Type \">",
-        u"<meta http\u2010equiv=Content-Type><meta HTTP-EQU\u0130V=Content-Type>",
-        u"<meta content=text/html; http-equiv=Content-Type>", // the value of "html;"
-    };
-    OrvHTMLParser parser;
-    for (const auto text : found) {
-        parser.setHTMLString(std::u16string(text) + u"<meta http-equiv=Content-Type a=b>");
-        EXPECT_EQ(placeInText(parser.findEncodingSpecifier()),
-                  "0 " + platform::utf8FromUTF16(text));
-    }
-    for (const auto text : passedOver) {
-        parser.setHTMLString(std::u16string(text));
-        EXPECT_EQ(placeInText(parser.findEncodingSpecifier()), "none")
-            << platform::utf8FromUTF16(text);
+    for (const auto& [text, found] : cases) {
+        OrvHTMLParser parser;
+        parser.setHTMLString(platform::utf16FromUTF8(text));
+        EXPECT_EQ(placeInText(parser.findEncodingSpecifier()), found) << text;
     }
 }
 

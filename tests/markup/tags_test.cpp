@@ -127,5 +127,34 @@ TEST(Tags, WriteThemselves) {
     }
 }
 
+TEST(Tags, NameTheEncoding) {
+    using Text = std::optional<std::u16string>;
+    const Text names[][4] = {
+        // with a mark; without one, by byte order: none, little, big
+        {{}, {}, {}, {}},
+        {u"Shift_JIS", u"Shift_JIS", u"Shift_JIS", u"Shift_JIS"},
+        {u"iso-2022-jp", u"iso-2022-jp", u"iso-2022-jp", u"iso-2022-jp"},
+        {u"euc-jp", u"euc-jp", u"euc-jp", u"euc-jp"},
+        {u"UTF-8", u"UTF-8", u"UTF-8", u"UTF-8"},
+        {u"UTF-16", {}, u"UTF-16LE", u"UTF-16BE"},
+        {u"UTF-32", {}, u"UTF-32LE", u"UTF-32BE"},
+        {{}, {}, {}, {}},
+    };
+    const auto written = [](const std::optional<OrvMarkupTag>& tag) {
+        return tag ? tag->tagString() : std::nullopt;
+    };
+    for (int i = 0; i < 8 * 6; ++i) {
+        const OrvEncodingInfo info{OrvEncoding{i / 6}, OrvByteOrder{i % 3}, i % 6 < 3, {}};
+        const Text& name = names[i / 6][info.hasBOM ? 0 : 1 + i % 3];
+        EXPECT_EQ(OrvHTMLParser::encodingAttributeValueForEncodingInfo(info), name) << i;
+        EXPECT_EQ(written(OrvHTMLParser::newEncodingSpecifierTagWithEncodingInfo(info)),
+                  name ? Text(u"<meta http-equiv=\"Content-Type\" content=\"text/html; charset=" +
+                              *name + u"\">")
+                       : Text());
+        EXPECT_EQ(written(OrvHTMLParser::newXMLProcInstTagWithEncodingInfo(info)),
+                  name ? Text(u"<?xml version=\"1.0\" encoding=\"" + *name + u"\"?>") : Text());
+    }
+}
+
 } // namespace
 } // namespace zelmora
