@@ -1,7 +1,5 @@
-#include "child_process.h"
 #include "files_test_case.h"
 
-#include <cerrno>
 #include <climits>
 #include <sys/resource.h>
 

@@ -1,11 +1,8 @@
 #include "files_test_case.h"
 
-#include <cerrno>
 #include <map>
 #include <optional>
 #include <set>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zelmora::platform {
 namespace {

@@ -1,9 +1,6 @@
-#include "child_process.h"
 #include "files_test_case.h"
 
-#include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 
 namespace zelmora::platform {

@@ -1,13 +1,10 @@
-#include "child_process.h"
 #include "files_test_case.h"
 
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <thread>
 
 namespace zelmora::platform {
