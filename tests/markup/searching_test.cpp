@@ -158,20 +158,20 @@ TEST(Searching, FindsTheEncodingDeclarationOnly) {
 }
 
 TEST(Editing, StaysInsideTheText) {
-    const struct {
-        std::size_t offset, length;
-        const char16_t* result; // null: refused
-    } cases[] = {
-        {0, 0, u"XYabc"}, {1, 1, u"aXYc"},     {3, 0, u"abcXY"},
-        {0, 3, u"XY"},    {0, 4, nullptr},     {3, 1, nullptr},
-        {4, 0, nullptr},  {kHuge, 1, nullptr}, {1, kHuge, nullptr},
-    };
-    for (const auto& c : cases) {
+    const auto replaced = [](std::size_t offset, std::size_t length) {
         OrvHTMLParser parser;
         parser.setHTMLString(u"abc");
-        EXPECT_EQ(parser.replaceFromOffset(c.offset, c.length, u"XY"), c.result != nullptr);
-        EXPECT_EQ(parser.htmlString(), c.result ? c.result : u"abc") << c.offset << " " << c.length;
-    }
+        const bool isChanged = parser.replaceFromOffset(offset, length, u"XY");
+        EXPECT_EQ(isChanged, parser.htmlString() != u"abc") << offset << " " << length;
+        return parser.htmlString();
+    };
+    EXPECT_EQ(replaced(0, 0), u"XYabc");
+    EXPECT_EQ(replaced(1, 1), u"aXYc");
+    EXPECT_EQ(replaced(3, 0), u"abcXY");
+    EXPECT_EQ(replaced(0, 3), u"XY");
+    for (const auto& [offset, length] : std::initializer_list<std::pair<std::size_t, std::size_t>>{
+             {0, 4}, {3, 1}, {4, 0}, {kHuge, 1}, {1, kHuge}})
+        EXPECT_EQ(replaced(offset, length), u"abc");
 }
 
 TEST(Editing, ReachesTheCallersTextOrTheParsersOwnAsAsked) {

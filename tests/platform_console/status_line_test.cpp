@@ -54,7 +54,6 @@ TEST(StatusLine, IsCutToTheTerminalsWidthBetweenCharacters) {
         {10, "123456789", "123456789"},
         {10, "1234567890", "123456789"},
         {10, "残りのファイル", "残りのフ"}, // eight columns; the next letter takes two
-        {11, "残りのファイル", "残りのファ"},
         {10, "1残りのファイル", "1残りのフ"},
         {10, "ﾊﾟﾝﾊﾟﾝﾊﾟﾝﾊﾟﾝ", "ﾊﾟﾝﾊﾟﾝﾊﾟﾝ"}, // half-width
         {3, "e\u0301\u0301e\u0301e", "e\u0301\u0301e\u0301"},

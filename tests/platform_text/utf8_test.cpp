@@ -14,7 +14,6 @@ TEST(UTF8, WhatIsInvalidBecomesReplacementCharacters) {
         EXPECT_EQ(utf8FromUTF16(text), bytes);
         EXPECT_EQ(utf16FromUTF8(bytes), text) << bytes;
     }
-    EXPECT_EQ(utf8FromUTF16(u"\xD800"), "\uFFFD");
     EXPECT_EQ(utf8FromUTF16(u"\xD800\xD83D\xDE00\xDC00z\xDC00"), "\uFFFD😀\uFFFDz\uFFFD");
     // Byte by byte.
     EXPECT_EQ(utf16FromUTF8("a\xFFz"), u"a\uFFFDz");
@@ -34,7 +33,7 @@ TEST(UTF8, PathsAreShownWithTheirOddBytesEscaped) {
         {"/\x93\xFA\x96{.txt", "/\\x93\\xFA\\x96{.txt", "/\\x93\\xFA\\x96{.txt"},
         {"a\nb\rc\td", "a\nb\rc\td", "a\\nb\\rc\\td"},
         {"\x1B[2J\x7F", "\x1B[2J\x7F", "\\x1B[2J\\x7F"},
-        {"\u0080\u009B\u00A0", "\u0080\u009B\u00A0", "\\xC2\\x80\\xC2\\x9B\u00A0"},
+        {"\u0080\u009F\u00A0", "\u0080\u009F\u00A0", "\\xC2\\x80\\xC2\\x9F\u00A0"},
     };
     for (const auto& testCase : cases) {
         EXPECT_EQ(displayPath(testCase.path), testCase.display);
