@@ -117,9 +117,11 @@ class TextTablesTest(unittest.TestCase):
 
     def test_jis_extensions(self):
         extensions = read_table("jis_extensions")[0]
+        row_13 = {code: text for code, text in extensions.items() if code[0] == 0xAD}
+        self.assert_same(row_13, iconv_reads([code for code in EUC if code[0] == 0xAD], "EUC-JP-MS"), {})
+        nec_selected = {code: text for code, text in extensions.items() if 0xF9 <= code[0] <= 0xFC}
         # We follow JIS X 0208 for the not sign.
-        vendors = {code: text for code, text in extensions.items() if code[0] != 0x8F}
-        self.assert_same(vendors, nkf_reads(list(vendors), "CP51932"), {"FCFB": "\uffe2"})
+        self.assert_same(nec_selected, nkf_reads(list(nec_selected), "CP51932"), {"FCFB": "\uffe2"})
         set_3 = {code: text for code, text in extensions.items() if code[0] == 0x8F}
         self.assert_same(set_3, nkf_reads(list(set_3), "eucJP-ms"), {})
 
@@ -142,12 +144,13 @@ class TextTablesTest(unittest.TestCase):
         self.assert_same(listed, {**cmap("90pv-RKSJ-UCS2C"), **cmap("90pv-RKSJ-UCS2")}, explained)
 
     def test_mac_japanese_user_defined_rows(self):
-        rows = {code: text for code, text in read_table("mac_japanese")[0].items()
-                if len(code) == 2 and code[0] >= 0xF0}
         # No other source here lists them; code page 932 has the same rows as far as they go.
+        reads = read_table("mac_japanese")[0]
         microsoft = read_table("code_page_932")[0]
-        for code, text in rows.items():
-            self.assertEqual(text, microsoft.get(code) if code[0] <= 0xF9 else text)
+        rows = {code: text for code, text in reads.items() if len(code) == 2 and code[0] >= 0xF0}
+        common = {code: text for code, text in rows.items() if code[0] <= 0xF9}
+        self.assertEqual(common, {code: text for code, text in microsoft.items()
+                                  if len(code) == 2 and 0xF0 <= code[0] <= 0xF9})
         self.assertEqual("".join(rows.values()), "".join(map(chr, range(0xE000, 0xE98C))))
 
 
