@@ -18,8 +18,8 @@ using Octet = unsigned char;
 constexpr std::ptrdiff_t kChunk = 4096; ///< bytes or units of input
 constexpr std::ptrdiff_t kStraddle = 8; ///< the most that the last character reaches past its chunk
 
-/// Decodes with `step(in, stop, end, out)`, which moves `in` to `stop` or past it, where a
-/// character straddles it, and `out` past what it wrote; it answers false at an invalid code.
+/// Decodes with `step(in, stop, end, out)`, which moves `in` to `stop`, past it where a character
+/// straddles it, or at least on, and `out` past what it wrote; it answers false at an invalid code.
 /// A byte becomes at most `unitsPerByte` units.
 template<size_t unitsPerByte, typename Step>
 class ChunkDecoder final : public TextDecoder {

@@ -1,9 +1,8 @@
 // Decoding of one- and two-byte codes in windows of 64 bytes.
 //
-// A window begins with a character. Its bytes become, at every position, the cell that would be
-// looked up if a character began there; bit operations on 64-bit masks find out where characters
-// do begin; then the first 32 of them are looked up, however long they are. So nothing depends on a
-// branch that mixed text would make unpredictable, and the next window is known at once.
+// The bytes of a window become, at every position, the cell that would be looked up if a character
+// began there; bit operations on 64-bit masks find out where characters do begin. All that one
+// window has to tell the next one is whether its first byte ends a pair.
 #include "platform/text/text_tables.h"
 #include "platform/text/wide_kernels.h"
 
@@ -46,41 +45,65 @@ ZELMORA_WIDE_PART bool hasSpecial(__m256i low, __m256i high, bool isASCII) {
     return highBits(special) != 0;
 }
 
-/// Writes the cells of codes that would begin at each of the 32 bytes at `in`, and answers which of
-/// them are codes of one byte.
+/// What 32 bytes may be.
+struct Codes {
+    Words _cells;      ///< of the code that would begin at each byte
+    uint64_t _singles; ///< a bit for each that would be a code of one byte
+};
+
 template<typename Encoding>
-ZELMORA_WIDE_PART uint64_t findCells(const Octet* in, uint16_t* cells) {
-    const __m256i bytes = load(in);
+ZELMORA_WIDE_PART Codes findCodes(__m256i bytes, __m256i following) {
     const __m256i rows = Encoding::rowsOf(bytes);
     const __m256i singles = _mm256_cmpeq_epi8(rows, bytesOf(Encoding::kSingles));
-    const __m256i columns = _mm256_blendv_epi8(load(in + 1), bytes, singles);
-    storeJoined(columns, rows, cells);
-    return highBits(singles);
+    return {joined(_mm256_blendv_epi8(following, bytes, singles), rows), highBits(singles)};
+}
+
+constexpr std::ptrdiff_t kNeeded = kWindow + 1; ///< the last byte may begin a pair
+
+ZELMORA_WIDE_PART void widenWindows(bool isASCII, const Octet*& in, const Octet* stop,
+                                    char16_t*& out) {
+    for (; stop - in >= kNeeded; in += kWindow) {
+        const __m256i low = load(in);
+        const __m256i high = load(in + kHalf);
+        if (hasSpecial(low, high, isASCII))
+            return;
+        widen(low, out);
+        widen(high, out + kHalf);
+        out += kWindow;
+    }
+}
+
+/// Takes a window, and more of them until one is ASCII; false at a code that is no character.
+template<typename Encoding>
+ZELMORA_WIDE_PART bool decodeBatch(const char16_t* table, bool isASCII, const Octet*& in,
+                                   const Octet* stop, char16_t*& out) {
+    Batch batch(table, Encoding::kSingles, out);
+    const Octet* next = in;
+    uint64_t isInside = 0; // a pair: its first byte was the last one of the window before
+    for (; stop - next >= kNeeded && !batch.isFull(); next += kWindow) {
+        const __m256i bytesLow = load(next);
+        const __m256i bytesHigh = load(next + kHalf);
+        if (!batch.isEmpty() && !hasSpecial(bytesLow, bytesHigh, isASCII))
+            break;
+        const Codes low = findCodes<Encoding>(bytesLow, load(next + 1));
+        const Codes high = findCodes<Encoding>(bytesHigh, load(next + kHalf + 1));
+        const uint64_t canBegin = ~(low._singles | high._singles << kHalf | isInside);
+        const uint64_t seconds = secondBytes(canBegin);
+        batch.add(low._cells, high._cells, ~(seconds | isInside));
+        isInside = (canBegin & ~seconds) >> (kWindow - 1);
+    }
+    return batch.finish(in, next + isInside, out);
 }
 
 template<typename Encoding>
 ZELMORA_WIDE_PART void decodeWindows(const char16_t* table, bool isASCII, const Octet*& source,
                                      const Octet* stop, char16_t*& target) {
-    alignas(kHalf) std::array<uint16_t, kWindow> cells;
     const Octet* in = source;
     char16_t* out = target;
-    while (stop - in > kWindow) { // the last byte may begin a pair
-        const __m256i low = load(in);
-        const __m256i high = load(in + kHalf);
-        if (!hasSpecial(low, high, isASCII)) {
-            widen(low, out);
-            widen(high, out + kHalf);
-            in += kWindow;
-            out += kWindow;
-            continue;
-        }
-        uint64_t singles = findCells<Encoding>(in, cells.data());
-        singles |= findCells<Encoding>(in + kHalf, cells.data() + kHalf) << kHalf;
-        uint64_t starts = ~secondBytes(~singles);
-        if (!lookUp(table, cells.data(), starts, kUsualCount, out))
-            break;
-        in += std::countr_zero(starts); // 64 when none is left
-        out += kUsualCount;
+    bool decodes = true;
+    while (decodes && stop - in >= kNeeded) {
+        widenWindows(isASCII, in, stop, out);
+        decodes = decodeBatch<Encoding>(table, isASCII, in, stop, out);
     }
     source = in;
     target = out;

@@ -22,7 +22,7 @@ struct Window {
     uint64_t _toDouble = 0; ///< ESC of a sequence that switches to JIS X 0208
     uint64_t _toASCII = 0;  ///< ESC of one that switches to ASCII
     uint64_t _graphics = 0; ///< neither a control character nor the space
-    uint64_t _strange = 0;  ///< SO, SI and what has the high bit
+    uint64_t _strange = 0;  ///< SO, SI and what has the high bit, or is before a byte that has
 
     ZELMORA_WIDE_PART void classify(const Octet* in, int shift);
 
@@ -44,7 +44,7 @@ ZELMORA_WIDE_PART void Window::classify(const Octet* in, int shift) {
     _toDouble |= highBits(_mm256_and_si256(escapes, dollars)) << shift;
     _toASCII |= highBits(_mm256_and_si256(escapes, parentheses)) << shift;
     _graphics |= highBits(_mm256_cmpgt_epi8(first, bytesOf(0x20))) << shift;
-    _strange |= highBits(_mm256_or_si256(first, shifts)) << shift;
+    _strange |= highBits(_mm256_or_si256(_mm256_or_si256(first, second), shifts)) << shift;
 }
 
 /// FF for every bit that is set.
@@ -56,60 +56,76 @@ ZELMORA_WIDE_PART __m256i bytesOfBits(uint32_t bits) {
     return _mm256_cmpeq_epi8(_mm256_and_si256(spread, eachBit), eachBit);
 }
 
-/// Writes the cells of the characters that would begin at each of 32 bytes: of pairs where `pairs`.
-ZELMORA_WIDE_PART void findCells(const Octet* in, uint32_t pairs, uint16_t* cells) {
-    const __m256i isPair = bytesOfBits(pairs);
+/// The cells of the characters that would begin at each of 32 bytes: of pairs where `pairs`.
+ZELMORA_WIDE_PART Words findCells(const Octet* in, uint64_t pairs) {
+    const __m256i isPair = bytesOfBits(static_cast<uint32_t>(pairs));
     const __m256i first = load(in);
     const __m256i second = _mm256_or_si256(load(in + 1), bytesOf(0x80));
-    storeJoined(_mm256_blendv_epi8(first, second, isPair),
-                _mm256_blendv_epi8(bytesOf(JISTable::kASCII), first, isPair), cells);
+    return joined(_mm256_blendv_epi8(first, second, isPair),
+                  _mm256_blendv_epi8(bytesOf(JISTable::kASCII), first, isPair));
+}
+
+constexpr std::ptrdiff_t kNeeded = kWindow + kLongest;
+
+ZELMORA_WIDE_PART Window classify(const Octet* in) {
+    Window window;
+    window.classify(in, 0);
+    window.classify(in + kHalf, kHalf);
+    return window;
+}
+
+ZELMORA_WIDE_PART void widenWindows(const Octet*& in, const Octet* stop, char16_t*& out) {
+    for (; stop - in >= kNeeded && classify(in).unordinary() == 0; in += kWindow) {
+        widen(load(in), out);
+        widen(load(in + kHalf), out + kHalf);
+        out += kWindow;
+    }
+}
+
+/// Takes a window, and more of them until one is ASCII or not for us; false at such a one and at a
+/// code that is no character.
+ZELMORA_WIDE_PART bool decodeBatch(bool& isDouble, const Octet*& in, const Octet* stop,
+                                   char16_t*& out) {
+    Batch batch(kJISTable._planes[0], JISTable::kASCII, out);
+    const Octet* next = in;
+    uint64_t on = isDouble ? 1 : 0;
+    uint64_t taken = 0; // the bytes of this window that belong to what began before it
+    bool isReadable = true;
+    for (; stop - next >= kNeeded && !batch.isFull(); next += kWindow) {
+        const Window window = classify(next);
+        isReadable = window.isReadable();
+        if (!isReadable || (!batch.isEmpty() && (on | taken | window.unordinary()) == 0))
+            break;
+        // A switch to ASCII adds a power of two, which carries through all that is on from there;
+        // one to JIS X 0208 takes one away, which borrows from all that is off.
+        const uint64_t doubles = window._toASCII - window._toDouble - on;
+        const uint64_t escapes = window._escapes;
+        const uint64_t others = escapes | escapes << 1 | escapes << 2 | taken;
+        const uint64_t canBegin = doubles & window._graphics & ~others;
+        const uint64_t seconds = secondBytes(canBegin);
+        batch.add(findCells(next, canBegin), findCells(next + kHalf, canBegin >> kHalf),
+                  ~(seconds | others));
+        // A switch to what is on already leaves no more than its own bit wrong.
+        on = ((doubles & ~escapes) | window._toDouble) >> 63;
+        taken = (canBegin & ~seconds) >> 63 | escapes >> 63 | escapes >> 62;
+    }
+    const bool decodes = batch.finish(in, next + std::popcount(taken), out);
+    isDouble = !decodes || on != 0; // only a pair can be no character
+    return decodes && isReadable;
 }
 
 } // namespace
 
 ZELMORA_WIDE void decodeISO2022JPWindows(bool& isDouble, const Octet*& source, const Octet* stop,
                                          char16_t*& target) {
-    alignas(kHalf) std::array<uint16_t, kWindow + 1> cells;
-    cells.back() = JISTable::kASCII << 8; // what a mask without bits points to: no error
-    const char16_t* const table = kJISTable._planes[0];
-    uint64_t on = isDouble ? 1 : 0;
     const Octet* in = source;
     char16_t* out = target;
-    while (stop - in >= kWindow + kLongest) {
-        Window window;
-        window.classify(in, 0);
-        window.classify(in + kHalf, kHalf);
-        if (on == 0 && window.unordinary() == 0) {
-            widen(load(in), out);
-            widen(load(in + kHalf), out + kHalf);
-            in += kWindow;
-            out += kWindow;
-            continue;
-        }
-        if (!window.isReadable())
-            break;
-        // A switch to ASCII adds a power of two, which carries through all that is on from there;
-        // one to JIS X 0208 takes one away, which borrows from all that is off.
-        const uint64_t doubles = window._toASCII - window._toDouble - on;
-        const uint64_t sequences = window._escapes | window._escapes << 1 | window._escapes << 2;
-        const uint64_t canBegin = doubles & window._graphics & ~sequences;
-        const uint64_t seconds = secondBytes(canBegin);
-        // What does not end in this window is left to the next one.
-        constexpr uint64_t kLastByte = uint64_t{1} << 63;
-        const uint64_t cutOff =
-            (canBegin & ~seconds & kLastByte) | (window._escapes & (kLastByte | kLastByte >> 1));
-        const int length = std::countr_zero(cutOff);
-        uint64_t starts = ~(seconds | sequences) & (cutOff - 1);
-        const int count = std::popcount(starts);
-        findCells(in, static_cast<uint32_t>(canBegin), cells.data());
-        findCells(in + kHalf, static_cast<uint32_t>(canBegin >> kHalf), cells.data() + kHalf);
-        if (!lookUp(table, cells.data(), starts, count, out))
-            break;
-        in += length;
-        out += count;
-        on = doubles >> (length - 1) & 1;
+    bool decodes = true;
+    while (decodes && stop - in >= kNeeded) {
+        if (!isDouble)
+            widenWindows(in, stop, out);
+        decodes = decodeBatch(isDouble, in, stop, out);
     }
-    isDouble = on != 0;
     source = in;
     target = out;
 }

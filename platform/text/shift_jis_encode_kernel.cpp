@@ -48,7 +48,7 @@ ZELMORA_WIDE_PART bool isASCII(__m256i units, bool hasSequences) {
 
 /// Writes the codes of eight units; false if one of them has none.
 ZELMORA_WIDE_PART bool encodeEight(const uint16_t* table, const char16_t* in, Octet*& out) {
-    const __m128i codes = takeEight([&] { return table[*in++]; });
+    const __m128i codes = lookUpEight(table, in);
     const __m128i zero = _mm_setzero_si128();
     const __m128i none = _mm_cmpeq_epi16(codes, zero);
     const __m128i isSingle = _mm_cmpeq_epi16(_mm_srli_epi16(codes, 8), zero);

@@ -9,8 +9,9 @@
 namespace zelmora::platform {
 namespace {
 
-/// What 32 bytes are, a bit for each.
+/// What 32 bytes are; a bit for each but in the units.
 struct Bytes32 {
+    Words _units; ///< of the sequence that would begin at each byte
     uint64_t _continuations;
     uint64_t _leads;      ///< of sequences of two bytes or three
     uint64_t _longLeads;  ///< of sequences of three bytes
@@ -26,9 +27,7 @@ ZELMORA_WIDE_PART __m256i shiftedLeft(__m256i bytes, int count, int mask) {
     return _mm256_and_si256(_mm256_slli_epi16(bytes, count), bytesOf(mask));
 }
 
-/// Writes the units that the sequences at each of 32 bytes would be, if one began there, and says
-/// what each byte is.
-ZELMORA_WIDE_PART Bytes32 findUnits(const Octet* in, uint16_t* units) {
+ZELMORA_WIDE_PART Bytes32 classify(const Octet* in) {
     const __m256i first = load(in);
     const __m256i second = load(in + 1);
     const __m256i third = load(in + 2);
@@ -46,7 +45,6 @@ ZELMORA_WIDE_PART Bytes32 findUnits(const Octet* in, uint16_t* units) {
         _mm256_or_si256(shiftedLeft(first, 4, 0xF0), shiftedRight(second, 2, 0x0F));
     const __m256i low = _mm256_blendv_epi8(_mm256_blendv_epi8(low2, low3, isLong), first, isASCII);
     const __m256i high = _mm256_andnot_si256(isASCII, _mm256_blendv_epi8(high2, high3, isLong));
-    storeJoined(low, high, units);
 
     // A surrogate or too small for three bytes, four bytes or more, or too small for two.
     const __m256i group = _mm256_and_si256(high3, bytesOf(0xF8));
@@ -55,7 +53,7 @@ ZELMORA_WIDE_PART Bytes32 findUnits(const Octet* in, uint16_t* units) {
                                                  _mm256_cmpeq_epi8(group, bytesOf(0xD8))));
     const __m256i bad4 = _mm256_andnot_si256(isASCII, _mm256_cmpgt_epi8(first, bytesOf(0xEF)));
     const __m256i bad2 = _mm256_cmpeq_epi8(_mm256_and_si256(first, bytesOf(0xFE)), bytesOf(0xC0));
-    return {highBits(_mm256_xor_si256(isLead, bytesOf(0xFF))),
+    return {joined(low, high), highBits(_mm256_xor_si256(isLead, bytesOf(0xFF))),
             highBits(_mm256_andnot_si256(isASCII, isLead)), highBits(isLong),
             highBits(_mm256_or_si256(_mm256_or_si256(bad2, bad3), bad4))};
 }
@@ -65,24 +63,8 @@ uint64_t joined(uint64_t low, uint64_t high) {
     return low | high << kHalf;
 }
 
-/// The bytes at which the characters of a window begin; none if it is not valid, or not for us.
-ZELMORA_WIDE_PART uint64_t findCharacters(const Octet* in, uint16_t* units) {
-    const Bytes32 low = findUnits(in, units);
-    const Bytes32 high = findUnits(in + kHalf, units + kHalf);
-    const uint64_t continuations = joined(low._continuations, high._continuations);
-    const uint64_t expected =
-        joined(low._leads, high._leads) << 1 | joined(low._longLeads, high._longLeads) << 2;
-    const bool isValid = continuations == expected && (low._suspicious | high._suspicious) == 0;
-    return isValid ? ~continuations : 0;
-}
-
-/// Writes the unit of each of `starts`, and some more that do not count; answers their number.
-ZELMORA_WIDE_PART int copyUnits(const uint16_t* units, uint64_t starts, char16_t* out) {
-    const int count = std::popcount(starts);
-    constexpr int kUsual = 24; // of Japanese, with a little ASCII in it
-    for (int i = 0; i < kUsual || i < count; i += 8)
-        store(out + i, takeEight([&] { return units[takeLowestBit(starts)]; }));
-    return count;
+uint64_t isContinuation(Octet byte) {
+    return (byte & 0xC0) == 0x80 ? 1 : 0;
 }
 
 /// The bytes to keep of four words, in each of which a character ends with the third byte. Bit i of
@@ -153,29 +135,34 @@ ZELMORA_WIDE void encodeUTF8Windows(const char16_t*& source, const char16_t* sto
 }
 
 ZELMORA_WIDE void decodeUTF8Windows(const Octet*& source, const Octet* stop, char16_t*& target) {
-    alignas(kHalf) std::array<uint16_t, kWindow + 1> units;
-    units.back() = 0;
     const Octet* in = source;
     char16_t* out = target;
-    while (stop - in >= kWindow + 2) { // the units at the last bytes take two more
-        const __m256i low = load(in);
-        const __m256i high = load(in + kHalf);
-        if (highBits(_mm256_or_si256(low, high)) == 0) {
-            widen(low, out);
-            widen(high, out + kHalf);
-            in += kWindow;
+    uint64_t taken = 0; // the bytes of this window that belong to a character before it
+    for (; stop - in >= kWindow + 2; in += kWindow) {
+        const __m256i bytesLow = load(in);
+        const __m256i bytesHigh = load(in + kHalf);
+        if (highBits(_mm256_or_si256(bytesLow, bytesHigh)) == 0) {
+            widen(bytesLow, out);
+            widen(bytesHigh, out + kHalf);
             out += kWindow;
             continue;
         }
-        const uint64_t starts = findCharacters(in, units.data());
-        if (starts == 0)
+        const Bytes32 low = classify(in);
+        const Bytes32 high = classify(in + kHalf);
+        const uint64_t continuations = joined(low._continuations, high._continuations);
+        const uint64_t leads = joined(low._leads, high._leads);
+        const uint64_t longLeads = joined(low._longLeads, high._longLeads);
+        const uint64_t expected = leads << 1 | longLeads << 2 | taken;
+        const uint64_t following = isContinuation(in[kWindow]) | isContinuation(in[kWindow + 1])
+                                                                     << 1;
+        const uint64_t needed = leads >> 63 | longLeads >> 62;
+        const uint64_t suspicious = low._suspicious | high._suspicious | (needed & ~following);
+        if (continuations != expected || suspicious != 0)
             break;
-        // The last character that surely ends in the window begins two bytes before its end.
-        constexpr int kLast = kWindow - 2;
-        out += copyUnits(units.data(), starts & ((uint64_t{1} << kLast) - 1), out);
-        in += kLast + std::countr_zero(starts >> kLast | 4);
+        taken = needed;
+        writeWords(low._units, high._units, ~continuations, out);
     }
-    source = in;
+    source = in + std::popcount(taken);
     target = out;
 }
 

@@ -18,10 +18,12 @@ bool usesWideKernels();
 void setUsesWideKernels(bool wanted);
 
 constexpr std::ptrdiff_t kWindow = 64; ///< bytes or units that a kernel takes at a time
+constexpr std::ptrdiff_t kLongestRest = kWindow + 1; ///< that is too short for a kernel
 
 /// The step of a codec (see chunks.h): moves `source` to `stop` or past it with `kernel(in, stop,
 /// out)` and `plain(in, pause, out)` in turns, the latter for a window at a time, or for all of it
-/// where there are no kernels. false as soon as `plain` answers false.
+/// where there are no kernels. false as soon as `plain` answers false. What is too short for the
+/// kernel may be left, unless that is all: it may be longer with the next chunk.
 template<typename In, typename Out, typename Kernel, typename Plain>
 bool convertInTurns(const In*& source, const In* stop, Out*& target, Kernel kernel, Plain plain) {
     const bool isWide = usesWideKernels();
@@ -31,6 +33,8 @@ bool convertInTurns(const In*& source, const In* stop, Out*& target, Kernel kern
     while (converts && in < stop) {
         if (isWide)
             kernel(in, stop, out);
+        if (in != source && isWide && stop - in <= kLongestRest)
+            break;
         converts = plain(in, isWide ? in + std::min(kWindow, stop - in) : stop, out);
     }
     source = in;

@@ -4,6 +4,7 @@
 #include "platform/text/text_tables.h"
 #include "platform/text/wide_kernels.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -45,19 +46,15 @@ ZELMORA_WIDE_PART void widen(__m256i bytes, char16_t* out) {
     store(out + kHalf / 2, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(bytes, 1)));
 }
 
-/// Writes 32 units, each out of a byte of `low` and the same byte of `high`.
-ZELMORA_WIDE_PART void storeJoined(__m256i low, __m256i high, uint16_t* out) {
-    const __m256i front = _mm256_unpacklo_epi8(low, high); // bytes 0 to 7 and 16 to 23
-    const __m256i back = _mm256_unpackhi_epi8(low, high);
-    store(out, _mm256_permute2x128_si256(front, back, 0x20));
-    store(out + kHalf / 2, _mm256_permute2x128_si256(front, back, 0x31));
-}
+/// A word for each of 32 bytes, in the order in which unpacking leaves them.
+struct Words {
+    __m256i _front; ///< words 0 to 7 and 16 to 23
+    __m256i _back;  ///< words 8 to 15 and 24 to 31
+};
 
-/// The number of the lowest bit, which is then cleared; 64 when there is none.
-inline int takeLowestBit(uint64_t& bits) {
-    const int lowest = std::countr_zero(bits);
-    bits &= bits - 1;
-    return lowest;
+/// Each word out of a byte of `low` and the same byte of `high`.
+ZELMORA_WIDE_PART Words joined(__m256i low, __m256i high) {
+    return {_mm256_unpacklo_epi8(low, high), _mm256_unpackhi_epi8(low, high)};
 }
 
 /// Which bytes of a vector are taken, in turn.
@@ -68,17 +65,56 @@ ZELMORA_WIDE_PART __m128i shuffled(__m128i bytes, const Shuffle& shuffle) {
     return _mm_shuffle_epi8(bytes, _mm_loadu_si128(static_cast<const __m128i*>(by)));
 }
 
-/// The next eight units that `next()` answers.
-template<typename Next>
-ZELMORA_WIDE_PART __m128i takeEight(Next next) {
-    __m128i units = _mm_cvtsi32_si128(next());
-    units = _mm_insert_epi16(units, next(), 1);
-    units = _mm_insert_epi16(units, next(), 2);
-    units = _mm_insert_epi16(units, next(), 3);
-    units = _mm_insert_epi16(units, next(), 4);
-    units = _mm_insert_epi16(units, next(), 5);
-    units = _mm_insert_epi16(units, next(), 6);
-    return _mm_insert_epi16(units, next(), 7);
+/// The bytes of eight words of which only some are kept, by a bit for each.
+constexpr std::array<Shuffle, 256> kKeptWords = [] {
+    std::array<Shuffle, 256> shuffles{};
+    for (unsigned wanted = 0; wanted < shuffles.size(); ++wanted) {
+        size_t kept = 0;
+        for (unsigned word = 0; word < 8; ++word) {
+            if ((wanted >> word & 1) == 0)
+                continue;
+            shuffles[wanted][kept++] = static_cast<uint8_t>(2 * word);
+            shuffles[wanted][kept++] = static_cast<uint8_t>(2 * word + 1);
+        }
+    }
+    return shuffles;
+}();
+
+/// Writes some of the eight words that belong to the bits of `wanted` from `place` on, behind those
+/// of the bits before.
+template<int place>
+ZELMORA_WIDE_PART void writeEight(__m128i words, uint64_t wanted, char16_t* out) {
+    if constexpr (place != 0)
+        out += std::popcount(wanted << (kWindow - place));
+    store(out, shuffled(words, kKeptWords[wanted >> place & 0xFF]));
+}
+
+/// Writes the words of a window whose bits are set, one after the other, and up to eight more that
+/// do not count.
+ZELMORA_WIDE_PART void writeWords(const Words& low, const Words& high, uint64_t wanted,
+                                  char16_t*& out) {
+    writeEight<0>(_mm256_castsi256_si128(low._front), wanted, out);
+    writeEight<8>(_mm256_castsi256_si128(low._back), wanted, out);
+    writeEight<16>(_mm256_extracti128_si256(low._front, 1), wanted, out);
+    writeEight<24>(_mm256_extracti128_si256(low._back, 1), wanted, out);
+    writeEight<32>(_mm256_castsi256_si128(high._front), wanted, out);
+    writeEight<40>(_mm256_castsi256_si128(high._back), wanted, out);
+    writeEight<48>(_mm256_extracti128_si256(high._front, 1), wanted, out);
+    writeEight<56>(_mm256_extracti128_si256(high._back, 1), wanted, out);
+    out += std::popcount(wanted);
+}
+
+/// What `table` has for each of eight units.
+template<typename Entry>
+ZELMORA_WIDE_PART __m128i lookUpEight(const Entry* table, const char16_t* units) {
+    __m128i entries = _mm_insert_epi16(_mm_setzero_si128(), table[units[0]], 0);
+    entries = _mm_insert_epi16(entries, table[units[1]], 1);
+    entries = _mm_insert_epi16(entries, table[units[2]], 2);
+    entries = _mm_insert_epi16(entries, table[units[3]], 3);
+    entries = _mm_insert_epi16(entries, table[units[4]], 4);
+    entries = _mm_insert_epi16(entries, table[units[5]], 5);
+    entries = _mm_insert_epi16(entries, table[units[6]], 6);
+    return _mm_insert_epi16(entries, table[units[7]], 7);
 }
 
 /// Of each run of bytes that can begin a pair, every second one does; the one behind each of those
@@ -89,21 +125,70 @@ inline uint64_t secondBytes(uint64_t canBegin) {
     return (((canBegin << 1 | kOddPlaces) - canBegin) ^ kOddPlaces) ^ canBegin;
 }
 
-constexpr int kUsualCount = 32; ///< of the characters in a window of pairs
-
-/// Writes the next `count` characters, whose cells are at the bits of `starts`, or more that do not
-/// count to make it 32; false if one of them is none.
-ZELMORA_WIDE_PART bool lookUp(const char16_t* table, const uint16_t* cells, uint64_t& starts,
-                              int count, char16_t* out) {
-    __m128i noCharacters = _mm_setzero_si128();
-    for (int i = 0; i < kUsualCount || i < count; i += 8) {
-        const __m128i units = takeEight([&] { return table[cells[takeLowestBit(starts)]]; });
-        store(out + i, units);
-        const __m128i group = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
-        const __m128i unassigned = _mm_set1_epi16(static_cast<short>(kUnassigned));
-        noCharacters = _mm_or_si128(noCharacters, _mm_cmpeq_epi16(group, unassigned));
-    }
-    return _mm_testz_si128(noCharacters, noCharacters) != 0;
+/// The byte at which a character begins, by the starts in each window.
+[[gnu::noinline]] inline std::ptrdiff_t placeOf(std::ptrdiff_t character, const uint64_t* starts) {
+    std::ptrdiff_t place = 0;
+    for (; character >= std::popcount(*starts); place += kWindow)
+        character -= std::popcount(*starts++);
+    uint64_t rest = *starts;
+    for (; character > 0; --character)
+        rest &= rest - 1;
+    return place + std::countr_zero(rest);
 }
+
+/// Decodes some windows in two passes. The first one writes the cell of every character to where
+/// the character will be; the second one looks them up, one after the other. So neither has a
+/// branch that depends on the text, and no step of theirs waits for the one before it.
+class Batch {
+  public:
+    /// `table` is looked up in, at `filler` for no reason; its character must not be none.
+    ZELMORA_WIDE_PART Batch(const char16_t* table, uint8_t fillerRow, char16_t* out)
+        : _table(table), _filler(static_cast<short>(fillerRow << 8)), _begin(out), _end(out) {}
+
+    bool isEmpty() const { return _count == 0; }
+    bool isFull() const { return _count == kMost; }
+
+    /// Adds a window: the cells of the characters that would begin at each byte, and where they do.
+    ZELMORA_WIDE_PART void add(const Words& low, const Words& high, uint64_t starts) {
+        _starts[_count++] = starts;
+        writeWords(low, high, starts, _end);
+    }
+
+    /// Moves `in`, where the first window is, to `next`, and `out` behind the last character. Where
+    /// a cell is no character, moves them to that one and answers false.
+    ZELMORA_WIDE_PART bool finish(const Octet*& in, const Octet* next, char16_t*& out) {
+        lookUp();
+        const bool isAll = !hasNone();
+        out = isAll ? _end : std::find_if(_begin, _end, isNoCharacter);
+        in = isAll ? next : in + placeOf(out - _begin, _starts.data());
+        return isAll;
+    }
+
+  private:
+    static constexpr size_t kMost = 16; ///< as many as are worth while to repeat after a bad code
+
+    ZELMORA_WIDE_PART void lookUp() {
+        store(_end, _mm_set1_epi16(_filler)); // the last eight cells may be fewer
+        for (char16_t* cells = _begin; cells < _end; cells += 8) {
+            const __m128i characters = lookUpEight(_table, cells);
+            store(cells, characters);
+            const __m128i unassigned = _mm_set1_epi16(static_cast<short>(kUnassigned));
+            _nearest = _mm_min_epu16(_nearest, _mm_xor_si128(characters, unassigned));
+        }
+    }
+
+    ZELMORA_WIDE_PART bool hasNone() const {
+        const __m128i isNone = _mm_cmpeq_epi16(_mm_srli_epi16(_nearest, 11), _mm_setzero_si128());
+        return _mm_testz_si128(isNone, isNone) == 0;
+    }
+
+    const char16_t* _table;
+    short _filler;
+    char16_t* _begin;
+    char16_t* _end;
+    __m128i _nearest = _mm_set1_epi16(-1); ///< how close the characters come to kUnassigned
+    size_t _count = 0;
+    std::array<uint64_t, kMost> _starts;
+};
 
 } // namespace zelmora::platform
