@@ -134,6 +134,7 @@ class ZelDocumentController : public ProgressWindowDelegate {
     /// found out by the time it succeeds or fails.
     struct Conversion {
         OrvEncodingInfo srcEncodingInfo;
+        OrvEncodingInfo dstEncodingInfo;
         OrvLineBreak srcLineBreak = OrvLineBreak::none;
         OrvLineBreak dstLineBreak = OrvLineBreak::none; ///< `none`: not converted
         bool halfToFullKatakana = false;
@@ -156,12 +157,16 @@ class ZelDocumentController : public ProgressWindowDelegate {
     [[nodiscard]] Conversion convertFile(const std::string& srcPath) const;
     /// Whether a step of the conversion looks at more of the text than a line.
     [[nodiscard]] bool needsWholeText(const std::string& srcPath) const;
-    /// Converts the text some lines at a time. NO, and `file` is as new, when the target encoding
-    /// does not hold all of it.
-    bool convertByLines(platform::ByteView source, Conversion& conversion,
-                        ConvertedFile& file) const;
+    /// As set, for a file in this encoding.
+    [[nodiscard]] Conversion beginConversion(OrvEncodingInfo srcEncodingInfo) const;
+    /// Converts the text block by block, a large one on several threads. NO, to be converted whole,
+    /// when it is not valid, the target encoding does not hold all of it, or it cannot be cut.
+    bool convertByBlocks(Conversion& conversion, ConvertedFile& file) const;
+    /// Appends the block's new bytes; NO when it cannot be converted by itself. Safe on any thread.
+    bool convertBlock(platform::ByteView block, int index, Conversion& conversion,
+                      platform::Bytes& bytes) const;
     /// Converts the text in one piece, altering what the target encoding does not hold.
-    void convertWhole(platform::Bytes source, Conversion& conversion, ConvertedFile& file) const;
+    void convertWhole(Conversion& conversion, ConvertedFile& file) const;
     /// The next lines with new line breaks and katakana; NO at the end and when decoding fails.
     bool readConverted(TextReader& reader, Conversion& conversion, std::u16string& lines) const;
     void doConvertProcessLinebreaks(std::u16string& lines, const Conversion& conversion) const;
@@ -171,6 +176,7 @@ class ZelDocumentController : public ProgressWindowDelegate {
     [[nodiscard]] OrvEncodingInfo encodingInfoOfSettings() const;
     [[nodiscard]] OrvEncodingInfo targetEncodingInfo(OrvEncodingInfo srcEncodingInfo) const;
     [[nodiscard]] OrvEncodingInfo declarationEncodingInfo(OrvEncodingInfo srcEncodingInfo) const;
+    [[nodiscard]] std::string readingFailure(const platform::Error& error) const;
     [[nodiscard]] std::string reason(std::string_view key, const platform::Error& error) const;
     void logConversion(const std::string& srcPath, const Conversion& conversion) const;
     void alert(std::string_view key, const std::string& path, const std::string& why) const;

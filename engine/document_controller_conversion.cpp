@@ -4,7 +4,9 @@
 
 #include "engine/conversion_log.h"
 #include "engine/settings.h"
+#include "engine/text_blocks.h"
 #include "platform/text/utf8.h"
+#include "platform/threads/turns.h"
 #include "textutil/text_utility.h"
 
 #include <cerrno>
@@ -102,25 +104,11 @@ class ZelDocumentController::ConvertedFile {
 ZelDocumentController::Conversion
 ZelDocumentController::convertFile(const std::string& srcPath) const {
     Conversion conversion;
-    auto source = _services.files.contentsAtPath(srcPath);
-    if (!source.ok()) {
-        // The file manager's word for a FIFO, a socket or a device, which it does not open.
-        conversion.failure = source.error().code == EINVAL
-                                 ? _services.strings.stringForKey("ReasonNoFile")
-                                 : reason("ReasonRead", source.error());
-        return conversion;
-    }
-    const auto& defaults = _services.defaults;
-    conversion.srcEncodingInfo = OrvTextUtility::instance()->encodingInfoOfTextData(*source);
-    conversion.srcEncodingInfo.characterMapping =
-        static_cast<OrvCharacterMapping>(codeForKey(defaults, settings::sjisDeviceCharRead));
-    conversion.dstLineBreak =
-        static_cast<OrvLineBreak>(codeForKey(defaults, settings::lineBreakCode));
-    conversion.halfToFullKatakana = defaults.boolForKey(settings::halfToFullKatakana);
-
     ConvertedFile file(*this, srcPath);
-    if (needsWholeText(srcPath) || !convertByLines(*source, conversion, file))
-        convertWhole(std::move(*source), conversion, file);
+    if (needsWholeText(srcPath) || !convertByBlocks(conversion, file)) {
+        file.drop();
+        convertWhole(conversion, file);
+    }
     if (!conversion.failure.empty())
         return conversion;
     if (const auto written = file.finish(); !written.ok())
@@ -135,38 +123,115 @@ bool ZelDocumentController::needsWholeText(const std::string& srcPath) const {
     return isHTMLFile(srcPath) || isXMLFile(srcPath) || isCSSFile(srcPath);
 }
 
-bool ZelDocumentController::convertByLines(platform::ByteView source, Conversion& conversion,
-                                           ConvertedFile& file) const {
-    constexpr size_t kWrittenAtOnce = 256 * 1024; // bytes
-    TextReader reader(source, conversion.srcEncodingInfo);
-    platform::Bytes bytes;
-    TextWriter writer(targetEncodingInfo(conversion.srcEncodingInfo), bytes);
-    std::u16string lines;
-    while (readConverted(reader, conversion, lines)) {
-        if (!writer.write(lines)) {
-            file.drop();
-            return false;
-        }
-        if (bytes.size() >= kWrittenAtOnce)
-            file.write(bytes);
-    }
-    if (conversion.failure.empty()) {
-        writer.finish();
-        file.write(bytes);
-    }
-    return true;
+ZelDocumentController::Conversion
+ZelDocumentController::beginConversion(OrvEncodingInfo srcEncodingInfo) const {
+    const auto& defaults = _services.defaults;
+    Conversion conversion;
+    conversion.srcEncodingInfo = srcEncodingInfo;
+    conversion.srcEncodingInfo.characterMapping =
+        static_cast<OrvCharacterMapping>(codeForKey(defaults, settings::sjisDeviceCharRead));
+    conversion.dstEncodingInfo = targetEncodingInfo(conversion.srcEncodingInfo);
+    conversion.dstLineBreak =
+        static_cast<OrvLineBreak>(codeForKey(defaults, settings::lineBreakCode));
+    conversion.halfToFullKatakana = defaults.boolForKey(settings::halfToFullKatakana);
+    return conversion;
 }
 
-void ZelDocumentController::convertWhole(platform::Bytes source, Conversion& conversion,
-                                         ConvertedFile& file) const {
+std::string ZelDocumentController::readingFailure(const platform::Error& error) const {
+    // The file manager's word for a FIFO, a socket or a device, which it does not open.
+    return error.code == EINVAL ? _services.strings.stringForKey("ReasonNoFile")
+                                : reason("ReasonRead", error);
+}
+
+bool ZelDocumentController::convertByBlocks(Conversion& conversion, ConvertedFile& file) const {
+    auto source = _services.files.openFileAtPath(file.srcPath());
+    if (!source.ok()) {
+        conversion.failure = readingFailure(source.error());
+        return true;
+    }
+    TextBlocks blocks(std::move(*source));
+    const auto encodingInfo = blocks.detectEncoding();
+    if (!encodingInfo.ok()) {
+        conversion.failure = readingFailure(encodingInfo.error());
+        return true;
+    }
+    conversion = beginConversion(*encodingInfo);
+
+    bool isConverted = true; // changed in a block's turn, as is the failure
+    const auto convertTaken = [&](platform::Turns& turns, Conversion& blockConversion) {
+        platform::Bytes buffer;
+        platform::Bytes bytes;
+        while (const auto index = turns.take()) {
+            const auto block = blocks.read(*index, buffer);
+            const bool isBlockConverted =
+                block.ok() && *block && convertBlock(**block, *index, blockConversion, bytes);
+            if (!turns.await(*index))
+                return;
+            if (isBlockConverted) {
+                file.write(bytes);
+                turns.pass(*index);
+                continue;
+            }
+            isConverted = !block.ok();
+            if (!block.ok())
+                conversion.failure = readingFailure(block.error());
+            turns.stop();
+        }
+    };
+    // The others have to know the text's line break, which is in the first one.
+    platform::Turns first(0, 1);
+    convertTaken(first, conversion);
+    if (isConverted && conversion.failure.empty()) {
+        platform::Turns others(1, blocks.count());
+        platform::workInTurns(others, [&, begun = std::as_const(conversion)] {
+            Conversion blockConversion = begun;
+            convertTaken(others, blockConversion);
+        });
+    }
+    if (conversion.failure.empty()) {
+        if (const auto unchanged = blocks.checkUnchanged(); !unchanged.ok())
+            conversion.failure = readingFailure(unchanged.error());
+    }
+    return isConverted || !conversion.failure.empty();
+}
+
+bool ZelDocumentController::convertBlock(platform::ByteView block, int index,
+                                         Conversion& conversion, platform::Bytes& bytes) const {
+    auto srcEncodingInfo = conversion.srcEncodingInfo;
+    auto dstEncodingInfo = conversion.dstEncodingInfo;
+    if (index != 0)
+        srcEncodingInfo.hasBOM = dstEncodingInfo.hasBOM = false;
+    TextReader reader(block, srcEncodingInfo);
+    TextWriter writer(dstEncodingInfo, bytes);
+    std::u16string lines;
+    while (readConverted(reader, conversion, lines)) {
+        if (!writer.write(lines))
+            return false;
+    }
+    writer.finish();
+    return !reader.hasFailed() && !reader.hasSwitched();
+}
+
+void ZelDocumentController::convertWhole(Conversion& conversion, ConvertedFile& file) const {
+    auto source = _services.files.contentsAtPath(file.srcPath());
+    if (!source.ok()) {
+        conversion.failure = readingFailure(source.error());
+        return;
+    }
+    conversion = beginConversion(OrvTextUtility::instance()->encodingInfoOfTextData(*source));
     std::u16string text;
-    text.reserve(source.size()); // more than enough; what is not used costs nothing
-    TextReader reader(source, conversion.srcEncodingInfo);
+    text.reserve(source->size()); // more than enough; what is not used costs nothing
+    TextReader reader(*source, conversion.srcEncodingInfo);
     for (std::u16string lines; readConverted(reader, conversion, lines);)
         text += lines;
-    source = {}; // never more in memory than the steps still ahead need
-    if (!conversion.failure.empty())
+    *source = {}; // never more in memory than the steps still ahead need
+    if (reader.hasFailed()) {
+        const auto encoding = encodingNameKey(conversion.srcEncodingInfo.encoding);
+        conversion.failure =
+            _services.strings.format("ReasonDecode", {_services.strings.stringForKey(encoding)});
+        conversion.srcLineBreak = OrvLineBreak::none;
         return;
+    }
     if (isHTMLFile(file.srcPath()))
         doConvertProcessMETAElement(text, conversion.srcEncodingInfo);
     if (isXMLFile(file.srcPath()))
@@ -185,21 +250,14 @@ void ZelDocumentController::convertWhole(platform::Bytes source, Conversion& con
 
 bool ZelDocumentController::readConverted(TextReader& reader, Conversion& conversion,
                                           std::u16string& lines) const {
-    if (reader.read(lines)) {
-        // The text's first line break is in its first lines.
-        if (conversion.srcLineBreak == OrvLineBreak::none)
-            conversion.srcLineBreak = OrvTextUtility::instance()->lineBreakTypeOfString(lines);
-        doConvertProcessLinebreaks(lines, conversion);
-        doConvertProcessHalfToFullKatakana(lines, conversion);
-        return true;
-    }
-    if (reader.hasFailed()) {
-        const auto encoding = encodingNameKey(conversion.srcEncodingInfo.encoding);
-        conversion.failure =
-            _services.strings.format("ReasonDecode", {_services.strings.stringForKey(encoding)});
-        conversion.srcLineBreak = OrvLineBreak::none;
-    }
-    return false;
+    if (!reader.read(lines))
+        return false;
+    // The text's first line break is in its first lines.
+    if (conversion.srcLineBreak == OrvLineBreak::none)
+        conversion.srcLineBreak = OrvTextUtility::instance()->lineBreakTypeOfString(lines);
+    doConvertProcessLinebreaks(lines, conversion);
+    doConvertProcessHalfToFullKatakana(lines, conversion);
+    return true;
 }
 
 void ZelDocumentController::doConvertProcessLinebreaks(std::u16string& lines,

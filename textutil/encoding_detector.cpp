@@ -20,6 +20,10 @@ uint64_t bytesLeft(const DetectEncodingContext& context) {
     return context.textLength - context.textOffset;
 }
 
+uint64_t bytesToLookAt(const DetectEncodingContext& context) {
+    return context.lookEnd - context.textOffset;
+}
+
 void advance(DetectEncodingContext& context, uint64_t count = 1) {
     context.textOffset += count;
     context.curBytes += count;
@@ -44,7 +48,7 @@ bool setInfo(DetectEncodingContext& context, OrvEncoding encoding,
     return true;
 }
 
-/// Moves to the next byte that can change the answer; false at the end of the data.
+/// Moves to the next byte that can change the answer; false where the looking ends.
 bool skipToEvidence(DetectEncodingContext& context) {
     const auto fromStart = [](uint8_t byte) {
         return (byte == 0) | (byte == kEscape) | (byte >= 0x80);
@@ -52,7 +56,7 @@ bool skipToEvidence(DetectEncodingContext& context) {
     const auto onceEUC = [](uint8_t byte) {
         return (byte == 0) | (byte == kEscape) | ((byte & 0xE0) == 0x80);
     };
-    const uint64_t left = bytesLeft(context);
+    const uint64_t left = bytesToLookAt(context);
     const uint64_t skipped = context.isNeverUTF8 && context.eucFeatures != 0
                                  ? platform::findFirstUnit(context.curBytes, left, onceEUC)
                                  : platform::findFirstUnit(context.curBytes, left, fromStart);
@@ -78,22 +82,22 @@ void countEUCFeatures(DetectEncodingContext& context) {
         ++context.eucFeatures;
 }
 
-/// Settles on Shift_JIS, or on UTF-8 by what was counted, unless a zero byte in the rest shows
-/// another encoding.
-void decideAtShiftJISByte(DetectEncodingContext& context) {
-    while (const void* zero = std::memchr(context.curBytes, 0, bytesLeft(context))) {
+/// Whether a zero byte shows another encoding than Shift_JIS, or UTF-8, after all.
+bool findTellingZero(DetectEncodingContext& context) {
+    while (const void* zero = std::memchr(context.curBytes, 0, bytesToLookAt(context))) {
         advance(context,
                 static_cast<uint64_t>(static_cast<const uint8_t*>(zero) - context.curBytes));
         if (checkUTFnFeatures(context))
-            return;
+            return true;
         advance(context);
     }
-    setInfo(context, context.utf8Features != 0 ? OrvEncoding::utf8 : OrvEncoding::shiftjis);
+    advance(context, bytesToLookAt(context));
+    return false;
 }
 
 /// Gathers the evidence; true when the answer fell on the way.
 bool walk(DetectEncodingContext& context) {
-    for (; skipToEvidence(context); advance(context)) {
+    for (; !context.hasShiftJISByte && skipToEvidence(context); advance(context)) {
         if (!context.isNeverUTF8 && checkUTF8Features(context))
             continue;
         if (checkUTFnFeatures(context))
@@ -101,17 +105,16 @@ bool walk(DetectEncodingContext& context) {
         const uint8_t byte = *context.curBytes;
         if (byte == kEscape && checkEscape(context))
             return true;
-        if (isShiftJISOnly(byte)) {
-            decideAtShiftJISByte(context);
-            return true;
-        }
+        context.hasShiftJISByte = isShiftJISOnly(byte);
         if (!isIncludedInASCII(byte) && !isIncludedInJISX0201Roman(byte))
             countEUCFeatures(context);
     }
-    return false;
+    return context.hasShiftJISByte && findTellingZero(context);
 }
 
 OrvEncoding encodingByCounters(const DetectEncodingContext& context) {
+    if (context.hasShiftJISByte)
+        return context.utf8Features != 0 ? OrvEncoding::utf8 : OrvEncoding::shiftjis;
     // UTF-8's form alone proves little: a pair of Latin-1 letters has it too.
     if (context.eucFeatures == 0 && context.jisFeatures == 0)
         return OrvEncoding::none;
@@ -179,14 +182,25 @@ bool checkUTFnFeatures(DetectEncodingContext& context) {
                    offset % 2 == 0 ? OrvByteOrder::bigEndian : OrvByteOrder::littleEndian);
 }
 
+bool EncodingDetector::look(platform::ByteView bytes, size_t count) {
+    _context.textBytes = reinterpret_cast<const uint8_t*>(bytes.data());
+    _context.curBytes = _context.textBytes;
+    _context.lookEnd = _context.textOffset + count;
+    _isSettled = _isSettled || (_context.textOffset == 0 && detectEncodingInfoWithBOM(_context)) ||
+                 walk(_context);
+    return _isSettled;
+}
+
+OrvEncodingInfo EncodingDetector::encodingInfo() const {
+    if (_isSettled)
+        return _context.encodingInfo;
+    return {.encoding = encodingByCounters(_context)};
+}
+
 OrvEncodingInfo detectEncodingInfo(platform::ByteView data) {
-    DetectEncodingContext context;
-    context.textBytes = reinterpret_cast<const uint8_t*>(data.data());
-    context.curBytes = context.textBytes;
-    context.textLength = data.size();
-    if (!detectEncodingInfoWithBOM(context) && !walk(context))
-        context.encodingInfo.encoding = encodingByCounters(context);
-    return context.encodingInfo;
+    EncodingDetector detector(data.size());
+    detector.look(data, data.size());
+    return detector.encodingInfo();
 }
 
 } // namespace zelmora

@@ -16,14 +16,37 @@ struct DetectEncodingContext {
     uint64_t jisFeatures = 0;     ///< escapes back to a single-byte set
     uint64_t utf8Features = 0;    ///< multi-byte sequences of UTF-8's form
     bool isNeverUTF8 = false;     ///< such a sequence was broken; UTF-8 is tested no longer
-    const uint8_t* textBytes = nullptr; ///< the data, borrowed
-    const uint8_t* curBytes = nullptr;  ///< textBytes + textOffset
-    uint64_t textOffset = 0;
-    uint64_t textLength = 0; ///< bytes
+    bool hasShiftJISByte = false; ///< only zero bytes can still change the answer
+    const uint8_t* textBytes = nullptr; ///< the piece of the data that is looked at, borrowed
+    const uint8_t* curBytes = nullptr;  ///< the byte at textOffset
+    uint64_t textOffset = 0;            ///< in the data
+    uint64_t lookEnd = 0;               ///< where in the data the looking is to end for now
+    uint64_t textLength = 0;            ///< bytes of the data
 };
 
-/// Names the encoding, byte order and mark of `data`; all zero when nothing tells. One pass, no
-/// allocation, safe on any thread.
+/// Names the encoding, byte order and mark of a text that is read a piece at a time. No allocation.
+class EncodingDetector {
+  public:
+    /// The most bytes behind the ones to look at that matter for these.
+    static constexpr size_t kLookAhead = 8;
+
+    /// For a text of `length` bytes.
+    explicit EncodingDetector(uint64_t length) { _context.textLength = length; }
+
+    /// Looks at the next `count` bytes of the text. `bytes` begins with them; behind them it has
+    /// kLookAhead more, or all that are left. Answers whether the rest cannot change the answer.
+    bool look(platform::ByteView bytes, size_t count);
+
+    /// The answer, once all has been looked at or the rest does not matter; all zero when nothing
+    /// tells.
+    [[nodiscard]] OrvEncodingInfo encodingInfo() const;
+
+  private:
+    DetectEncodingContext _context;
+    bool _isSettled = false;
+};
+
+/// The same for a text that is in memory whole.
 [[nodiscard]] OrvEncodingInfo detectEncodingInfo(platform::ByteView data);
 
 /// Whether the data begins with a byte-order mark; fills encodingInfo if so.

@@ -27,6 +27,10 @@ class TextReader {
     /// Also for UTF-16 and UTF-32 without a byte order, which cannot be read at all.
     [[nodiscard]] bool hasFailed() const { return _hasFailed; }
 
+    /// At the end: whether a text that went on here would be read otherwise than from its
+    /// beginning. REQUIRES: it has not failed.
+    [[nodiscard]] bool hasSwitched() const { return _decoder->hasSwitched(); }
+
   private:
     platform::ByteView _data; ///< what is left of it
     std::unique_ptr<platform::TextDecoder> _decoder;

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace zelmora::platform {
@@ -30,6 +31,22 @@ struct HFSCodes {
     uint32_t type = 0;
     uint32_t creator = 0;
     bool operator==(const HFSCodes&) const = default;
+};
+
+/// A regular file that is open to be read, at any place and by several threads at once.
+class ReadableFile {
+  public:
+    virtual ~ReadableFile() = default;
+
+    /// In bytes, when it was opened.
+    [[nodiscard]] virtual uint64_t size() const = 0;
+
+    /// Fills `bytes` with what stands in the file from `offset` on; EAGAIN when that is less.
+    virtual Status read(uint64_t offset, std::span<std::byte> bytes) const = 0;
+
+    /// EAGAIN when the file has shrunk, grown or been written to since it was opened. What was read
+    /// before is not torn if this succeeds.
+    virtual Status checkUnchanged() const = 0;
 };
 
 /// A new file on its way to its name. It is dropped, and nothing remains of it, unless
@@ -95,9 +112,12 @@ class FileManager {
 
     // Reading and writing.
 
-    /// The whole contents of the regular file at `path`, links followed. Anything but a regular
-    /// file is an error (EISDIR for a folder, EINVAL for the rest) and is not opened. A file that
-    /// shrinks, grows or is written to while it is read is an error (EAGAIN): never a torn text.
+    /// Opens the regular file at `path`, links followed. Anything but a regular file is an error
+    /// (EISDIR for a folder, EINVAL for the rest) and is not opened.
+    virtual Result<std::unique_ptr<ReadableFile>> openFileAtPath(const std::string& path) = 0;
+
+    /// Its whole contents. A file that shrinks, grows or is written to while it is read is an error
+    /// (EAGAIN): never a torn text.
     virtual Result<Bytes> contentsAtPath(const std::string& path) = 0;
 
     /// Makes a new file at `path` holding `contents`, with the permissions a new file gets. The

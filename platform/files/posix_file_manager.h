@@ -20,6 +20,7 @@ class PosixFileManager final : public FileManager {
     Status setHFSCodes(HFSCodes codes, const std::string& path) override;
 
     // posix_reading.cpp
+    Result<std::unique_ptr<ReadableFile>> openFileAtPath(const std::string& path) override;
     Result<Bytes> contentsAtPath(const std::string& path) override;
 
     // posix_writing.cpp

@@ -2,15 +2,14 @@
 
 #include "platform/files/posix_file_manager.h"
 
-#include <system_error>
+#include <fcntl.h>
 #include <utility>
 
 namespace zelmora::platform {
 
 namespace {
 
-/// With this size a file gets a thread: more than one piece, and worth what starting it costs.
-constexpr size_t kLargeSize = size_t{1} << 20; // bytes
+constexpr size_t kWrittenBackAtOnce = size_t{8} << 20; // bytes
 
 int sync(int file) {
     return errnoUnless(resumed([&] { return ::fdatasync(file); }));
@@ -37,22 +36,15 @@ int PosixNewFile::open() {
 }
 
 void PosixNewFile::write(Bytes& bytes) {
-    if (_code == 0 && _size < kLargeSize && _size + bytes.size() >= kLargeSize) {
-        startBackground();
-    }
-    _size += bytes.size();
-    if (_code == 0 && _background) {
-        _background->write(bytes);
-    } else if (_code == 0) {
+    if (_code == 0)
         _code = writeAll(_file.get(), bytes.data(), bytes.size());
-    }
+    _size += bytes.size();
+    _heldBack += bytes.size();
     bytes.clear();
-}
-
-void PosixNewFile::startBackground() {
-    try {
-        _background.emplace(_file.get());
-    } catch (const std::system_error&) { // no more threads: it is written as it comes
+    if (_code == 0 && _heldBack >= kWrittenBackAtOnce) {
+        // Only begun, for a shorter wait at the end; whether it worked is told there.
+        ::sync_file_range(_file.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+        _heldBack = 0;
     }
 }
 
@@ -70,11 +62,6 @@ Status PosixNewFile::finishAtPath(const std::string& path) {
 }
 
 int PosixNewFile::complete() {
-    if (_background) {
-        if (const int code = _background->finish()) {
-            return code;
-        }
-    }
     const int code = sync(_file.get());
     return code != 0 || _isUnnamed ? code : _file.close();
 }

@@ -1,17 +1,14 @@
 // A new file on the real file system, written while its contents are being made.
 #pragma once
 
-#include "platform/files/background_writer.h"
 #include "platform/files/file_manager.h"
 #include "platform/files/new_item.h"
 
-#include <optional>
 #include <string>
 
 namespace zelmora::platform {
 
 /// Has no name until it is finished or, where the file system has no such files, a scratch name.
-/// Small files are written as they come; a large one gets a thread of its own for that.
 class PosixNewFile final : public NewFile {
   public:
     /// Opens the file in the folder that holds `path`; `mode` less what the process withholds is
@@ -23,7 +20,6 @@ class PosixNewFile final : public NewFile {
 
   private:
     int open();
-    void startBackground();
     int complete();
     int takeName(const Location& name);
     int makeScratchCopy();
@@ -35,9 +31,9 @@ class PosixNewFile final : public NewFile {
     bool _isUnnamed = false;
     bool _isComplete = false;
     FileDescriptor _file;
-    size_t _size = 0;                            ///< written or handed to the background so far
-    int _code = 0;                               ///< the first failure
-    std::optional<BackgroundWriter> _background; ///< goes first: it uses the file
+    size_t _size = 0;     ///< bytes written so far
+    size_t _heldBack = 0; ///< of these, bytes that the disk has not been told of
+    int _code = 0;        ///< the first failure
 };
 
 } // namespace zelmora::platform

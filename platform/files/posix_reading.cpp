@@ -1,16 +1,13 @@
 #include "platform/files/posix_file_manager.h"
+#include "platform/threads/turns.h"
 
 #include <algorithm>
-#include <atomic>
+#include <new>
 #include <stdexcept>
-#include <system_error>
-#include <thread>
 
 namespace zelmora::platform {
 
 namespace {
-
-constexpr size_t kLargeSize = size_t{8} << 20; // bytes; less is read sooner than a thread starts
 
 int checkRegular(const struct stat& status) {
     if (S_ISREG(status.st_mode)) {
@@ -24,98 +21,81 @@ bool isUnchanged(const struct stat& before, const struct stat& after) {
            before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
 }
 
-/// Reads up to `bytes.size()` bytes; `bytes` then has the size of what there was.
-int readUpTo(int file, Bytes& bytes) {
-    size_t count = 0;
-    while (count < bytes.size()) {
-        const auto got =
-            resumed([&] { return ::read(file, bytes.data() + count, bytes.size() - count); });
-        if (got < 0) {
-            return errno;
-        }
-        // Less than asked for is the end of a regular file; at the expected size that is believed
-        // at once, which saves a call for each file.
-        count += static_cast<size_t>(got);
-        if (got == 0 || count + 1 == bytes.size()) {
-            break;
-        }
-    }
-    bytes.resize(count);
-    return 0;
-}
-
-/// Reads a large file on two threads. Copying from the system's cache and touching memory for the
-/// first time are what takes time, not the disk, which sees one reading that goes forward.
-class LargeReading {
+class PosixReadableFile final : public ReadableFile {
   public:
-    LargeReading(int file, Bytes& bytes) : _file(file), _bytes(bytes) {}
+    explicit PosixReadableFile(const std::string& path) : _path(path) {}
 
-    /// Like readUpTo.
-    int run() {
-        std::thread other;
-        try {
-            other = std::thread([this] { readSteps(); });
-        } catch (const std::system_error&) { // no more threads: one does it all
+    /// Answers 0 or an errno, after which the file is of no use.
+    int open() {
+        const Location at(_path);
+        return at.error() != 0 ? at.error() : openRegularFile(at, O_RDONLY, _file, _status);
+    }
+
+    [[nodiscard]] uint64_t size() const override { return static_cast<uint64_t>(_status.st_size); }
+
+    Status read(uint64_t offset, std::span<std::byte> bytes) const override {
+        while (!bytes.empty()) {
+            const ssize_t got = readSome(offset, bytes);
+            if (got <= 0)
+                return failure(got == 0 ? EAGAIN : errno);
+            offset += static_cast<uint64_t>(got);
+            bytes = bytes.subspan(static_cast<size_t>(got));
         }
-        readSteps();
-        if (other.joinable()) {
-            other.join();
-        }
-        _bytes.resize(_count);
-        return _code;
+        return {};
+    }
+
+    Status checkUnchanged() const override {
+        struct stat now = {};
+        std::byte extra;
+        if (::fstat(_file.get(), &now) != 0)
+            return failure(errno);
+        // Some file systems tell a size that is not the true one.
+        const ssize_t more = readSome(size(), {&extra, 1});
+        if (more < 0)
+            return failure(errno);
+        return more == 0 && isUnchanged(_status, now) ? Status() : failure(EAGAIN);
     }
 
   private:
-    static constexpr size_t kStep = size_t{1} << 20; // bytes
-
-    void readSteps() {
-        for (size_t begin; (begin = _next.fetch_add(kStep)) < _bytes.size();) {
-            readStep(begin, std::min(begin + kStep, _bytes.size()));
-        }
+    ssize_t readSome(uint64_t offset, std::span<std::byte> bytes) const {
+        return resumed([&] {
+            return ::pread(_file.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        });
     }
 
-    void readStep(size_t begin, size_t end) {
-        while (begin < end) {
-            const auto got = resumed([&] {
-                return ::pread(_file, _bytes.data() + begin, end - begin,
-                               static_cast<off_t>(begin));
-            });
-            if (got < 0) {
-                _code = errno;
-            }
-            if (got <= 0) {
-                return;
-            }
-            begin += static_cast<size_t>(got);
-            _count += static_cast<size_t>(got);
-        }
-    }
+    Error failure(int code) const { return Error::fromErrno(code, _path, "read"); }
 
-    const int _file;
-    Bytes& _bytes;
-    std::atomic<size_t> _next = 0;
-    std::atomic<size_t> _count = 0; ///< bytes read
-    std::atomic<int> _code = 0;
+    const std::string _path;
+    FileDescriptor _file;
+    struct stat _status = {};
 };
 
-int readContents(const Location& at, Bytes& contents) {
-    FileDescriptor file;
-    struct stat before = {};
-    if (const int code = openRegularFile(at, O_RDONLY, file, before)) {
-        return code;
-    }
-    const auto size = static_cast<size_t>(before.st_size);
-    contents.resize(size + 1); // room for one byte that must not be there
-    const bool isLarge = size >= kLargeSize;
-    if (const int code =
-            isLarge ? LargeReading(file.get(), contents).run() : readUpTo(file.get(), contents)) {
-        return code;
-    }
-    struct stat after = {};
-    if (::fstat(file.get(), &after) != 0) {
-        return errno;
-    }
-    return contents.size() == size && isUnchanged(before, after) ? 0 : EAGAIN;
+/// Reads all of a file; a large one on several threads. Copying from the system's cache and
+/// touching memory for the first time are what takes time, not the disk, which sees one reading
+/// that goes forward.
+Status readAll(const ReadableFile& file, std::span<std::byte> bytes) {
+    constexpr size_t kLargeSize = size_t{8}
+                                  << 20;      // bytes; less is read sooner than a thread starts
+    constexpr size_t kPart = size_t{1} << 20; // bytes
+    if (bytes.size() < kLargeSize)
+        return file.read(0, bytes);
+    Turns turns(0, static_cast<int>((bytes.size() + kPart - 1) / kPart));
+    Status status;
+    workInTurns(turns, [&] {
+        while (const auto part = turns.take()) {
+            const size_t begin = static_cast<size_t>(*part) * kPart;
+            const Status read =
+                file.read(begin, bytes.subspan(begin, std::min(kPart, bytes.size() - begin)));
+            if (!turns.await(*part))
+                return;
+            status = read;
+            if (read.ok())
+                turns.pass(*part);
+            else
+                turns.stop();
+        }
+    });
+    return status;
 }
 
 } // namespace
@@ -135,20 +115,30 @@ int openRegularFile(const Location& at, int flags, FileDescriptor& file, struct 
     return checkRegular(status);
 }
 
+Result<std::unique_ptr<ReadableFile>> PosixFileManager::openFileAtPath(const std::string& path) {
+    auto file = std::make_unique<PosixReadableFile>(path);
+    if (const int code = file->open())
+        return Error::fromErrno(code, path, "read");
+    return std::unique_ptr<ReadableFile>(std::move(file));
+}
+
 Result<Bytes> PosixFileManager::contentsAtPath(const std::string& path) {
+    PosixReadableFile file(path);
+    if (const int code = file.open())
+        return Error::fromErrno(code, path, "read");
     Bytes contents;
-    const Status status = performAt(path, "read", [&](const Location& at) {
-        try {
-            return readContents(at, contents);
-        } catch (const std::bad_alloc&) {
-            return ENOMEM;
-        } catch (const std::length_error&) {
-            return ENOMEM;
-        }
-    });
-    if (!status) {
-        return status.error();
+    try {
+        contents.resize(file.size());
+    } catch (const std::bad_alloc&) {
+        return Error::fromErrno(ENOMEM, path, "read");
+    } catch (const std::length_error&) {
+        return Error::fromErrno(ENOMEM, path, "read");
     }
+    Status status = readAll(file, contents);
+    if (status.ok())
+        status = file.checkUnchanged();
+    if (!status.ok())
+        return status.error();
     return contents;
 }
 

@@ -20,7 +20,7 @@ constexpr std::ptrdiff_t kStraddle = 8; ///< the most that the last character re
 
 /// Decodes with `step(in, stop, end, out)`, which moves `in` to `stop`, past it where a character
 /// straddles it, or at least on, and `out` past what it wrote; it answers false at an invalid code.
-/// A byte becomes at most `unitsPerByte` units.
+/// A byte becomes at most `unitsPerByte` units. A step with a state has hasSwitched().
 template<size_t unitsPerByte, typename Step>
 class ChunkDecoder final : public TextDecoder {
   public:
@@ -40,6 +40,12 @@ class ChunkDecoder final : public TextDecoder {
         }
         bytes = bytes.subspan(static_cast<size_t>(in - begin));
         return true;
+    }
+
+    [[nodiscard]] bool hasSwitched() const override {
+        if constexpr (requires { _step.hasSwitched(); })
+            return _step.hasSwitched();
+        return false;
     }
 
   private:

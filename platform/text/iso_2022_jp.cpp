@@ -149,6 +149,17 @@ bool decodeStep(Set& set, const Octet*& source, const Octet* stop, const Octet* 
         });
 }
 
+class DecodingStep {
+  public:
+    bool operator()(const Octet*& in, const Octet* stop, const Octet* end, char16_t*& out) {
+        return decodeStep(_set, in, stop, end, out);
+    }
+    [[nodiscard]] bool hasSwitched() const { return _set != Set::ascii; }
+
+  private:
+    Set _set = Set::ascii;
+};
+
 /// The set in which the character of `code` (see JISTable) is written.
 Set setOfCode(uint16_t code) {
     if (code <= 0xFF)
@@ -252,9 +263,7 @@ class ISO2022JPEncoder : public TextEncoder {
 } // namespace
 
 std::unique_ptr<TextDecoder> makeISO2022JPDecoder() {
-    return makeChunkDecoder<1>(
-        [set = Set::ascii](const Octet*& in, const Octet* stop, const Octet* end,
-                           char16_t*& out) mutable { return decodeStep(set, in, stop, end, out); });
+    return makeChunkDecoder<1>(DecodingStep());
 }
 
 std::unique_ptr<TextEncoder> makeISO2022JPEncoder() {

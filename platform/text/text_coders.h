@@ -19,6 +19,9 @@ class TextDecoder {
     /// all that is left of the text, and appends them to `text`. false at a code that is not valid
     /// or cut off; both are of no use then.
     [[nodiscard]] virtual bool decode(ByteView& bytes, size_t count, std::u16string& text) = 0;
+
+    /// Whether what follows is read otherwise than at the beginning of a text.
+    [[nodiscard]] virtual bool hasSwitched() const { return false; }
 };
 
 /// Encodes one text from its beginning to its end; it remembers what an escape sequence has

@@ -17,7 +17,7 @@ ALLOWED = {
     TEXT: set(),
     THREADS: set(),
     EVENTS: {THREADS},
-    FILES: {TEXT},
+    FILES: {TEXT, THREADS},
     DEFAULTS: {TEXT, FILES, THREADS},
     UI: {EVENTS},
     "platform/console": {TEXT, EVENTS, UI},

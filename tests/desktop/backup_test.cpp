@@ -66,7 +66,7 @@ class SlowBackupTest : public DesktopTest {
         std::vector<std::string> steps;
         for (const auto& [name, path] : slowFiles.operations()) {
             const char* step = name == "copyItemAtPath"   ? "copy "
-                               : name == "contentsAtPath" ? "read "
+                               : name == "openFileAtPath" ? "read "
                                                           : nullptr;
             if (step != nullptr && path.starts_with(folder.path() + "/"))
                 steps.push_back(step + path.substr(folder.path().size() + 1));

@@ -46,24 +46,36 @@ TEST_F(ConversionTest, ShiftJISMappingsAreChosenForReadingAndWriting) {
 
 TEST_F(ConversionTest, EverySettingAndLengthInPiecesAsIfItWereWhole) {
     const OrvTextUtilityPrivate utility;
-    for (unsigned seed = 0; seed < 90; ++seed) {
+    const OrvEncodingInfo records[] = {
+        {OrvEncoding::utf8, OrvByteOrder::none, true},
+        {OrvEncoding::utf16, OrvByteOrder::littleEndian, true},
+        {OrvEncoding::utf32, OrvByteOrder::bigEndian, true},
+        {OrvEncoding::shiftjis, OrvByteOrder::none, false, OrvCharacterMapping::windows},
+        {OrvEncoding::eucjp},
+        {OrvEncoding::jis},
+    };
+    for (unsigned seed = 0; seed < 180; ++seed) {
         std::mt19937 random(seed);
         set(settings::encodingCode, random() % 7);
         set(settings::lineBreakCode, random() % 5);
         for (const auto key :
              {settings::halfToFullKatakana, settings::littleEndian, settings::putBOM})
             defaults.setBool(random() % 2 == 0, key);
-        std::u16string text;
+        const OrvEncodingInfo record = records[seed % std::size(records)];
+        std::u16string text = u"漢\n";
         for (size_t lines = random() % 40; lines > 0; --lines) {
             text.append(random() % (seed % 4 == 0 ? 70'000 : 9'000), u"a漢ｶﾊ"[random() % 4]);
             text += std::u16string_view(u"ﾞ\r\n\uFF9F\n\n\r漢").substr(random() % 7, 2);
         }
-        if (seed % 5 == 0)
+        if (seed % 5 == 0 && record.hasBOM)
             text += u"\U0001F600"; // only Unicode holds it
-        const OrvEncodingInfo record{seed % 2 == 0 ? OrvEncoding::utf8 : OrvEncoding::utf16,
-                                     OrvByteOrder(seed % 2), true};
-        const auto path =
-            folder.writeFile("a.txt", platform::charsOf(*utility.dataWithString(text, record)));
+        const auto bytes = *utility.dataWithString(text, record);
+        std::string source(platform::charsOf(bytes));
+        // In ISO-2022-JP, a line may also end before what it has switched to is switched off.
+        if (const std::string_view off = "\x1B(B\n"; record.encoding == OrvEncoding::jis)
+            for (size_t at = 0; (at = source.find(off, at)) != std::string::npos;)
+                source.replace(at, off.size(), random() % 2 == 0 ? "\n\x1B(B" : off);
+        const auto path = folder.writeFile("a.txt", source);
         convert(path);
 
         auto wanted = record;

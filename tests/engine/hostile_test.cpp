@@ -25,7 +25,7 @@ TEST_F(HostileTest, ALinkAtTheTemporaryNameIsNotWrittenThrough) {
         // The first name is tried, found taken, and another one is looked for.
         int triesLeft = isEarly ? 1 : 2;
         files.setHook([&](const FaultyFileManager::Operation& each) {
-            if (each.name == (isEarly ? "contentsAtPath" : "finishAtPath") && --triesLeft == 0)
+            if (each.name == (isEarly ? "openFileAtPath" : "finishAtPath") && --triesLeft == 0)
                 std::filesystem::create_symlink(victim, planted);
         });
         controller.doConvertProcess(path);

@@ -24,7 +24,7 @@ class Pause {
   public:
     Pause(FaultyFileManager& files, std::string name) {
         files.setHook([this, name = std::move(name)](const FaultyFileManager::Operation& each) {
-            if (each.name != "contentsAtPath" || !each.path.ends_with(name))
+            if (each.name != "openFileAtPath" || !each.path.ends_with(name))
                 return;
             _isReached = true;
             _mayGoOn.wait(false);

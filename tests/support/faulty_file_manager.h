@@ -66,6 +66,8 @@ class FaultyFileManager final : public platform::FileManager {
     ZELMORA_PASS(Result<platform::HFSCodes>, hfsCodesOfItemAtPath, (const Path& path), (path))
     ZELMORA_PASS(Status, enumerateAtPath, (const Path& path, const EnumerationVisitor& visitor),
                  (path, visitor))
+    ZELMORA_PASS(Result<std::unique_ptr<platform::ReadableFile>>, openFileAtPath,
+                 (const Path& path), (path))
     ZELMORA_PASS(Result<Bytes>, contentsAtPath, (const Path& path), (path))
     ZELMORA_PASS(Status, createFileAtPath, (const Path& path, ByteView bytes), (path, bytes))
     ZELMORA_PASS(Status, replaceFileAtPath, (const Path& path, ByteView bytes), (path, bytes))

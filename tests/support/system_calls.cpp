@@ -91,6 +91,8 @@ int __wrap_openat(int folder, const char* name, int flags, ...) {
 
 ZELMORA_WRAP(read, ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, allowed),
              .file = file, .count = count)
+ZELMORA_WRAP(read, ssize_t, pread, (int file, void* bytes, size_t count, off_t offset),
+             (file, bytes, allowed, offset), .file = file, .count = count)
 ZELMORA_WRAP(write, ssize_t, write, (int file, const void* bytes, size_t count),
              (file, bytes, allowed), .file = file, .count = count)
 ZELMORA_WRAP(write, ssize_t, copy_file_range,

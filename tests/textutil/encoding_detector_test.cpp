@@ -107,6 +107,20 @@ TEST(EncodingDetector, AgreesWithThePlainRules) {
             seed % 2 == 0 ? std::as_bytes(std::span(exact)) : bytesOf(bytes).first(length);
         ASSERT_EQ(nameOf(detectEncodingInfo(data)), nameOf(plainDetect(data)))
             << "seed " << seed << ": " << testing::PrintToString(bytes);
+        EncodingDetector detector(data.size());
+        bool isSettled = false;
+        for (size_t at = 0; at < data.size() && !isSettled;) {
+            const size_t count = std::min<size_t>(1 + random() % 20, data.size() - at);
+            const size_t seen = count + EncodingDetector::kLookAhead;
+            const std::vector<std::byte> piece(data.begin() + static_cast<long>(at),
+                                               data.size() - at <= seen
+                                                   ? data.end()
+                                                   : data.begin() + static_cast<long>(at + seen));
+            isSettled = detector.look(piece, count);
+            at += count;
+        }
+        ASSERT_EQ(nameOf(detector.encodingInfo()), nameOf(plainDetect(data)))
+            << "in pieces, seed " << seed << ": " << testing::PrintToString(bytes);
     }
 }
 
