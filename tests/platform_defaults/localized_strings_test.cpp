@@ -42,6 +42,7 @@ TEST(LocalizedStringsTest, TellsTheLineOfAFault) {
         {"\"a\" = \"\\", "t:1: an escape"},
         {"\"a\" = \"\\U", "t:1: an escape"},
         {"\"a\" = 1;", "t:1: a quoted"},
+        {"\"a\"", "t:1: \"=\""},
         {"\"a\" = \"\xFF\";", "t: not UTF-8"},
     };
     for (const auto& [text, start] : cases) {

@@ -24,6 +24,7 @@ TEST(UserDefaultsTest, TurnsValuesIntoTheTypeAskedFor) {
         {"1", 1, true, "1"},
         {"+12", 12, true, "+12"},
         {"true", 0, true, "true"},
+        {"YES", 0, true, "YES"},
         {"12abc", 0, false, "12abc"},
         {"99999999999999999999", 0, false, "99999999999999999999"},
         {"", 0, false, ""},
