@@ -117,9 +117,12 @@ class OptionsTest(console_case.ConsoleCase):
                 self.assertEqual(self.read(name), after)
 
     def test_saved_settings_hold_until_the_command_line_says_otherwise(self):
-        self.assert_run(self.run_console("--save", "--encoding", "utf-16", "--set", "autoBackup=NO"), 0)
+        self.assert_run(self.run_console("--save", "--encoding", "utf-16", "--log", "~/log",
+                                         "--backup", "copies", "--set", "autoBackup=NO"), 0)
         with open(self.saved_settings, "rb") as file:
-            self.assertEqual(plistlib.load(file), {"encodingCode": 5, "autoBackup": False})
+            self.assertEqual(plistlib.load(file), {
+                "encodingCode": 5, "autoBackup": False, "createLogFile": True,
+                "backupDataDir": os.fsdecode(self.path(b"copies")), "logFilePath": "~/log"})
         for options, expected in [([], "utf-16-le"), (["--encoding", "utf-8"], "utf-8"),
                                   (["--byte-order", "big"], "utf-16-be"), ([], "utf-16-le"),
                                   (["--save", "--encoding", "euc-jp"], "euc_jp"), ([], "euc_jp")]:

@@ -83,6 +83,15 @@ TEST_F(ConversionLogTest, WhatCannotBeWrittenIsSilentAndWhatStoodThereStays) {
     EXPECT_FALSE(MakeDirectoryPath(files, ""));
 }
 
+TEST_F(ConversionLogTest, AFileMadeMeanwhileIsContinued) {
+    files.setHook([&](const FaultyFileManager::Operation& each) {
+        if (each.name == "createFileAtPath")
+            folder.writeFile("logs/deep/log", "theirs\n");
+    });
+    log.logWithAction("A", true, "d");
+    EXPECT_THAT(logText(), MatchesRegex("theirs\n.{20}A Success d\n"));
+}
+
 TEST_F(ConversionLogTest, LinesOfTwoThreadsDoNotMix) {
     constexpr int linesEach = 200;
     const auto write = [&](const char* action) {

@@ -6,6 +6,7 @@
 #include "textutil/text_utility_private.h"
 
 #include <cerrno>
+#include <new>
 #include <random>
 #include <unistd.h>
 
@@ -30,17 +31,19 @@ class ConversionTest : public EngineTest {
 
 // "表" is 95 5C in Shift_JIS, E8 A1 A8 in UTF-8.
 TEST_F(ConversionTest, ShiftJISMappingsAreChosenForReadingAndWriting) {
-    // 81 60 is U+FF5E to Windows and U+301C to the Macintosh; both write their own back.
+    // 81 60 is U+FF5E to Windows and U+301C to the Macintosh; each has a ① of its own.
     for (const int64_t mapping : {0, 1, 2, -1}) {
         set(settings::sjisDeviceCharRead, mapping);
         set(settings::encodingCode, 4);
         const auto path = folder.writeFile("a.txt", "\x81\x60");
         convert(path);
         EXPECT_EQ(readFile(path), mapping == 1 ? "\xef\xbd\x9e" : "\xe3\x80\x9c") << mapping;
+        set(settings::sjisDeviceCharRead, mapping == 1 ? 0 : 1);
         set(settings::sjisDeviceCharWrite, mapping);
         set(settings::encodingCode, 1);
+        folder.writeFile("a.txt", "①①");
         convert(path);
-        EXPECT_EQ(readFile(path), "\x81\x60") << mapping;
+        EXPECT_EQ(readFile(path), mapping == 1 ? "\x87\x40\x87\x40" : "\x85\x40\x85\x40");
     }
 }
 
@@ -108,7 +111,9 @@ TEST_F(ConversionTest, WhatFailsLateInALargeTextLeavesNothingBehind) {
         std::string source;
         int writeCode;
         std::string why;
+        bool isMemoryFull = false;
     } cases[] = {
+        {"memory full", text, 0, "It cannot be read: Cannot allocate memory.", true},
         {"cut in its last character", text + "\x81", 0, "Its bytes are not valid Shift_JIS."},
         {"disk full", text, ENOSPC,
          "The converted text cannot be written: No space left on device."},
@@ -118,6 +123,10 @@ TEST_F(ConversionTest, WhatFailsLateInALargeTextLeavesNothingBehind) {
     for (const auto& each : cases) {
         userInterface.alerts.clear();
         files.failEvery("write", each.writeCode);
+        files.setHook([&](const auto&) {
+            if (each.isMemoryFull)
+                throw std::bad_alloc();
+        });
         const auto path = folder.writeFile("a.txt", each.source);
         convert(path);
         EXPECT_EQ(alertTexts(), Items{alertOf(path, each.why)}) << each.what;
@@ -213,6 +222,12 @@ TEST_F(ConversionTest, HFSCodesFollowTheSettings) {
         ASSERT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
         EXPECT_EQ(disk.hfsCodesOfItemAtPath(source).value(), each.expected) << each.creator;
     }
+    // One that cannot be set leaves both files.
+    const auto source = folder.writeFile("a.txt", "old");
+    set(settings::fileType, "TEXT");
+    files.failEvery("setHFSCodes", EIO);
+    EXPECT_FALSE(controller.doConvertProcessPostDstPath(folder.writeFile("b", "new"), source).ok());
+    EXPECT_EQ(folder.items(), (Items{"a.txt", "b"}));
     EXPECT_EQ(FourCharCodeFromString(std::nullopt), 0U);
     EXPECT_EQ(StringFromFourCharCode(0), u"");
     EXPECT_EQ(StringFromFourCharCode(0xFF000041), std::u16string(u"\u00ff\0\0A", 4));

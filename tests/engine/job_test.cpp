@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <gmock/gmock.h>
+#include <semaphore>
 #include <thread>
 
 namespace zelmora::test {
@@ -19,26 +20,25 @@ using namespace std::chrono_literals;
 const std::string before = "\x95\x5c\r\n";
 const std::string after = "\xe8\xa1\xa8\r\n";
 
-/// Holds the worker at the reading of one file until it is let go.
+/// Holds the worker at the reading of each of these files until it is let go.
 class Pause {
   public:
-    Pause(FaultyFileManager& files, std::string name) {
-        files.setHook([this, name = std::move(name)](const FaultyFileManager::Operation& each) {
-            if (each.name != "openFileAtPath" || !each.path.ends_with(name))
+    Pause(FaultyFileManager& files, Items names) {
+        files.setHook([this, names = std::move(names)](const FaultyFileManager::Operation& each) {
+            if (each.name != "openFileAtPath" ||
+                std::find(names.begin(), names.end(), each.path.substr(each.path.rfind('/') + 1)) ==
+                    names.end())
                 return;
-            _isReached = true;
-            _mayGoOn.wait(false);
+            ++_stops;
+            _mayGoOn.acquire();
         });
     }
-    [[nodiscard]] bool isReached() const { return _isReached; }
-    void end() {
-        _mayGoOn = true;
-        _mayGoOn.notify_all();
-    }
+    [[nodiscard]] int stops() const { return _stops; }
+    void end() { _mayGoOn.release(); }
 
   private:
-    std::atomic<bool> _isReached = false;
-    std::atomic<bool> _mayGoOn = false;
+    std::atomic<int> _stops = 0;
+    std::counting_semaphore<> _mayGoOn{0};
 };
 
 class JobTest : public EngineTest {
@@ -60,9 +60,9 @@ class JobTest : public EngineTest {
         }
         EXPECT_TRUE(controller->wakeupThreadIfNeed());
     }
-    /// Runs until the worker is held.
-    void runUntilReached(const Pause& pause) {
-        ASSERT_TRUE(mainLoop.runUntil([&] { return pause.isReached(); }));
+    /// Runs until the worker is held for the time of this number.
+    void runUntilReached(const Pause& pause, int stop = 1) {
+        ASSERT_TRUE(mainLoop.runUntil([&] { return pause.stops() == stop; }));
         mainLoop.mainQueue().drain();
     }
     bool runUntilFinished(int batches) {
@@ -84,7 +84,7 @@ class JobTest : public EngineTest {
 
 TEST_F(JobTest, BatchIsConvertedOnceItIsCompleteAndProgressShown) {
     // At the last file, so that its progress is shown before the list is emptied.
-    Pause pause(files, "4.txt");
+    Pause pause(files, {"4.txt"});
     start();
     folder.writeFile("1.txt", before);
     open("1.txt");
@@ -117,23 +117,25 @@ TEST_F(JobTest, WhatHoldsNoTargetOpensAndClosesTheWindow) {
 }
 
 TEST_F(JobTest, SecondBatchWhileConvertingFollowsWithoutIdling) {
-    Pause pause(files, "2.txt");
+    Pause pause(files, {"2.txt", "3.txt"});
     start();
     addBatch(1, 3);
     runUntilReached(pause);
     userInterface.events.clear();
     addBatch(4, 6);
     pause.end();
+    runUntilReached(pause, 2);
+    EXPECT_THAT(userInterface.events, Contains("1 label Files remaining: 3"));
+    pause.end();
     ASSERT_TRUE(runUntilFinished(1));
     EXPECT_EQ(controller->convertedCount(), 6U);
     const auto& events = userInterface.events;
-    EXPECT_THAT(events, Contains("1 label Files remaining: 3"));
     EXPECT_LT(std::find(events.begin(), events.end(), "1 label Files remaining: 0"),
               std::find(events.begin(), events.end(), "1 close"));
 }
 
 TEST_F(JobTest, CancelFinishesTheFileInHandAndLeavesTheRest) {
-    Pause pause(files, "3.txt");
+    Pause pause(files, {"3.txt"});
     start();
     addBatch(1, 8);
     runUntilReached(pause);
@@ -152,7 +154,7 @@ TEST_F(JobTest, EndIsAtOnceWhileIdleAndWaitsTenSecondsForAFileInHand) {
     EXPECT_TRUE(controller->releaseContents());
     EXPECT_TRUE(controller->releaseContents());
     for (const auto& [inHand, hangs] : {std::pair{1, false}, {3, true}}) {
-        Pause pause(files, std::to_string(inHand) + ".txt");
+        Pause pause(files, {std::to_string(inHand) + ".txt"});
         start();
         addBatch(inHand, inHand + 1);
         runUntilReached(pause);
