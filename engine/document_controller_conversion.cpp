@@ -167,7 +167,7 @@ bool ZelDocumentController::convertByBlocks(Conversion& conversion, ConvertedFil
                 block.ok() && *block && convertBlock(**block, *index, blockConversion, bytes);
             if (!turns.await(*index))
                 return;
-            if (isBlockConverted) {
+            if (isBlockConverted && blocks.confirmEncoding(*index, buffer)) {
                 file.write(bytes);
                 turns.pass(*index);
                 continue;

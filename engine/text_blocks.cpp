@@ -1,7 +1,6 @@
 #include "engine/text_blocks.h"
 
 #include "platform/threads/turns.h"
-#include "textutil/encoding_detector.h"
 
 #include <algorithm>
 #include <cstring>
@@ -63,7 +62,8 @@ std::optional<size_t> firstLineEnd(ByteView bytes, UnitForm form, bool isAll) {
 TextBlocks::TextBlocks(std::unique_ptr<platform::ReadableFile> file)
     : _file(std::move(file)),
       _count(
-          static_cast<int>(std::max<uint64_t>(1, (_file->size() + kBlockSize - 1) / kBlockSize))) {}
+          static_cast<int>(std::max<uint64_t>(1, (_file->size() + kBlockSize - 1) / kBlockSize))),
+      _detector(_file->size()) {}
 
 Status TextBlocks::readFrom(int index, uint64_t size, Bytes& buffer) const {
     const uint64_t offset = static_cast<uint64_t>(index) * kBlockSize;
@@ -71,32 +71,47 @@ Status TextBlocks::readFrom(int index, uint64_t size, Bytes& buffer) const {
     return _file->read(offset, buffer);
 }
 
+bool TextBlocks::look(const Bytes& bytes) {
+    return _detector.look(bytes, std::min<size_t>(bytes.size(), kBlockSize));
+}
+
 platform::Result<OrvEncodingInfo> TextBlocks::detectEncoding() {
-    EncodingDetector detector(_file->size());
     Status status = readFrom(0, kBlockSize + kUsualOverlap, _first);
-    const auto look = [&](const Bytes& bytes) {
-        return detector.look(bytes, std::min<size_t>(bytes.size(), kBlockSize));
-    };
-    if (status.ok() && !look(_first) && _count > 1) {
-        platform::Turns turns(1, _count);
-        platform::workInTurns(turns, [&] {
-            Bytes bytes;
-            while (const auto index = turns.take()) {
-                const Status read =
-                    readFrom(*index, kBlockSize + EncodingDetector::kLookAhead, bytes);
-                if (!turns.await(*index))
-                    return;
-                status = read;
-                if (!read.ok() || look(bytes))
-                    turns.stop();
-                else
-                    turns.pass(*index);
-            }
-        });
-    }
+    if (status.ok())
+        _isDetected = look(_first) || _count == 1;
+    // Only what says something is worth believing before the rest is known.
+    if (status.ok() && !_isDetected && _detector.encodingInfo().encoding == OrvEncoding::none)
+        status = detectInAll();
     if (!status.ok())
         return status.error();
-    return _encodingInfo = detector.encodingInfo();
+    return _encodingInfo = _detector.encodingInfo();
+}
+
+Status TextBlocks::detectInAll() {
+    Status status;
+    platform::Turns turns(1, _count);
+    platform::workInTurns(turns, [&] {
+        Bytes bytes;
+        while (const auto index = turns.take()) {
+            const Status read = readFrom(*index, kBlockSize + kUsualOverlap, bytes);
+            if (!turns.await(*index))
+                return;
+            status = read;
+            if (!read.ok() || look(bytes))
+                turns.stop();
+            else
+                turns.pass(*index);
+        }
+    });
+    _isDetected = true;
+    return status;
+}
+
+bool TextBlocks::confirmEncoding(int index, const Bytes& buffer) {
+    if (index == 0 || _isDetected)
+        return true;
+    _isDetected = look(buffer) || index + 1 == _count;
+    return !_isDetected || _detector.encodingInfo() == _encodingInfo;
 }
 
 platform::Result<std::optional<ByteView>> TextBlocks::read(int index, Bytes& buffer) const {

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "platform/files/file_manager.h"
-#include "textutil/encoding_info.h"
+#include "textutil/encoding_detector.h"
 
 #include <memory>
 #include <optional>
@@ -22,7 +22,8 @@ class TextBlocks {
     /// How many there are; one for an empty text.
     [[nodiscard]] int count() const { return _count; }
 
-    /// Reads as much as it takes to tell the encoding. To be called first, and once.
+    /// Tells the encoding by the first block or, if that tells nothing, by all of the text. To be
+    /// called first, and once.
     platform::Result<OrvEncodingInfo> detectEncoding();
 
     /// Reads block `index` into `buffer`, among what surrounds it. Answers where it is in there;
@@ -31,6 +32,11 @@ class TextBlocks {
     platform::Result<std::optional<platform::ByteView>> read(int index,
                                                              platform::Bytes& buffer) const;
 
+    /// Whether the encoding may still be right when block `index`, which has been read into
+    /// `buffer`, is taken into account; with the last block, whether it is. To be asked of each
+    /// block once, in their order.
+    bool confirmEncoding(int index, const platform::Bytes& buffer);
+
     /// Whether all that has been read is one state of the file; EAGAIN if not.
     platform::Status checkUnchanged() const { return _file->checkUnchanged(); }
 
@@ -38,10 +44,16 @@ class TextBlocks {
     /// Reads up to `size` bytes from the beginning of a block on.
     platform::Status readFrom(int index, uint64_t size, platform::Bytes& buffer) const;
 
+    platform::Status detectInAll();
+    /// Lets the detector see the next block; answers whether no more can change its answer.
+    bool look(const platform::Bytes& bytes);
+
     std::unique_ptr<platform::ReadableFile> _file;
     int _count;
     platform::Bytes _first; ///< the first block and more, once it is read
-    OrvEncodingInfo _encodingInfo;
+    EncodingDetector _detector;
+    bool _isDetected = false;      ///< the detector has seen what it needs
+    OrvEncodingInfo _encodingInfo; ///< the detector's answer when it was asked for
 };
 
 } // namespace zelmora

@@ -2,26 +2,9 @@
 #include "textutil/text_utility_private.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zelmora {
 namespace {
-
-/// The first CR from `in` on, `end` when there is none. The C library's search is the fastest there
-/// is; now and then it stops at half of another unit.
-const char16_t* findCR(const char16_t* in, const char16_t* end) {
-    while (in != end) {
-        const auto* const bytes = reinterpret_cast<const char*>(in);
-        const void* const found = std::memchr(bytes, '\r', static_cast<size_t>(end - in) * 2);
-        if (found == nullptr)
-            return end;
-        in += (static_cast<const char*>(found) - bytes) / 2;
-        if (*in == u'\r')
-            return in;
-        ++in;
-    }
-    return end;
-}
 
 /// Overwrites each CRLF by `to` and moves what follows it forward.
 void shrinkPairs(std::u16string& text, char16_t to) {
@@ -29,7 +12,7 @@ void shrinkPairs(std::u16string& text, char16_t to) {
     const char16_t* const end = in + text.size();
     char16_t* out = text.data();
     for (;;) {
-        const char16_t* const next = findCR(in, end);
+        const char16_t* const next = platform::findUnit(in, end, u'\r');
         const auto count = static_cast<size_t>(next - in);
         std::char_traits<char16_t>::move(out, in, count);
         out += count;

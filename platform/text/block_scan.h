@@ -1,7 +1,12 @@
 // The search every fast pass over text needs: the first unit that matters, many units at a time.
 #pragma once
 
+#include <bit>
 #include <cstddef>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace zelmora::platform {
 
@@ -25,6 +30,24 @@ template<typename Unit, typename Matters>
     while (offset < count && !matters(units[offset]))
         ++offset;
     return offset;
+}
+
+/// The first `wanted` from `in` on, `end` when there is none.
+inline const char16_t* findUnit(const char16_t* in, const char16_t* end, char16_t wanted) {
+#if defined(__SSE2__)
+    // Compilers do not find the way from a comparison by vectors to the place of a match.
+    const __m128i pattern = _mm_set1_epi16(static_cast<short>(wanted));
+    for (; end - in >= 8; in += 8) {
+        const void* const at = in;
+        const __m128i units = _mm_loadu_si128(static_cast<const __m128i*>(at));
+        const int matches = _mm_movemask_epi8(_mm_cmpeq_epi16(units, pattern));
+        if (matches != 0)
+            return in + std::countr_zero(static_cast<unsigned>(matches)) / 2;
+    }
+#endif
+    while (in != end && *in != wanted)
+        ++in;
+    return in;
 }
 
 } // namespace zelmora::platform

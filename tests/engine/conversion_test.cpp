@@ -102,6 +102,36 @@ TEST_F(ConversionTest, EverySettingAndLengthInPiecesAsIfItWereWhole) {
     EXPECT_EQ(alertTexts(), Items());
 }
 
+// What its beginning says of the encoding is not the last word.
+TEST_F(ConversionTest, TheEncodingIsToldByAllOfALargeText) {
+    const auto large = [](std::string_view line, int times) {
+        std::string text;
+        for (; times > 0; --times)
+            text += line;
+        return text;
+    };
+    const std::string ascii = large("plain text\n", 60'000);
+    const struct {
+        const char* what;
+        std::string source;
+        std::string converted; ///< to UTF-8
+    } cases[] = {
+        {"nothing, then Shift_JIS", ascii + "\x95\x5c", ascii + "\xe8\xa1\xa8"},
+        {"nothing, then UTF-8", ascii + "\xe3\x81\x82", ascii + "\xe3\x81\x82"},
+        // Half-width katakana, \xB1 and \xB2, which EUC-JP reads as one kanji.
+        {"EUC-JP, then Shift_JIS", large("\xb1\xb2\n", 200'000) + "\x95\x5c",
+         large("\xef\xbd\xb1\xef\xbd\xb2\n", 200'000) + "\xe8\xa1\xa8"},
+        {"Shift_JIS, then a zero byte", large("\x95\x5c\n", 200'000) + '\0', "<as it was>"},
+    };
+    for (const auto& each : cases) {
+        const auto path = folder.writeFile("a.txt", each.source);
+        convert(path);
+        const auto& expected = each.converted == "<as it was>" ? each.source : each.converted;
+        EXPECT_TRUE(readFile(path) == expected) << each.what;
+    }
+    EXPECT_EQ(alertTexts(), Items{alertOf(folder / "a.txt", "Its bytes are not valid UTF-16.")});
+}
+
 TEST_F(ConversionTest, WhatFailsLateInALargeTextLeavesNothingBehind) {
     std::string text; // of more than a few pieces
     while (text.size() < 1'500'000)
