@@ -2,15 +2,32 @@
 #include "platform/files/tree_walk.h"
 #include "platform/text/path_string.h"
 
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+
 namespace zelmora::platform {
 
 namespace {
+
+/// Whether a folder is there and no link on the whole way to it, told by a single call. Older
+/// kernels cannot tell: NO.
+bool isReachedWithoutLinks(const std::string& folder) {
+    open_how how = {};
+    how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    how.resolve = RESOLVE_NO_SYMLINKS;
+    return FileDescriptor(
+               static_cast<int>(::syscall(SYS_openat2, AT_FDCWD, folder.c_str(), &how, sizeof how)))
+        .isOpen();
+}
 
 int checkWay(const std::string& path, size_t folderLength) {
     size_t begin = path.find_first_not_of('/', folderLength);
     size_t slash = path.find('/', begin);
     if (slash == std::string::npos) {
-        return 0; // nothing in between, as for most files
+        return 0; // nothing in between
+    }
+    if (isReachedWithoutLinks(path.substr(0, path.rfind('/')))) {
+        return 0;
     }
     const std::string start = folderLength == 0 ? "/" : path.substr(0, folderLength);
     const Location at(start);

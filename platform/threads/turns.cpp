@@ -56,7 +56,7 @@ void workInTurns(Turns& turns, const std::function<void()>& work) {
     };
     {
         std::vector<std::jthread> others;
-        const int processors = static_cast<int>(std::thread::hardware_concurrency());
+        static const auto processors = static_cast<int>(std::thread::hardware_concurrency());
         const int wanted = std::min({processors, kMostThreads, turns.left()});
         try {
             for (int running = 1; running < wanted; ++running)
