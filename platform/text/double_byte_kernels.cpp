@@ -11,7 +11,7 @@
 
 #include <array>
 
-namespace zelmora::platform {
+namespace zelmora::platform::ZELMORA_LEVEL {
 namespace {
 
 struct ShiftJIS {
@@ -73,11 +73,12 @@ ZELMORA_WIDE_PART void widenWindows(bool isASCII, const Octet*& in, const Octet*
     }
 }
 
-/// Takes a window, and more of them until one is ASCII; false at a code that is no character.
+/// Takes a window, and more of them until one is ASCII, up to `most`; false at a code that is no
+/// character.
 template<typename Encoding>
-ZELMORA_WIDE_PART bool decodeBatch(const char16_t* table, bool isASCII, const Octet*& in,
-                                   const Octet* stop, char16_t*& out) {
-    Batch batch(table, Encoding::kSingles, out);
+ZELMORA_WIDE_PART bool decodeBatch(const char16_t* table, bool isASCII, size_t most,
+                                   const Octet*& in, const Octet* stop, char16_t*& out) {
+    Batch batch(table, Encoding::kSingles, most, out);
     const Octet* next = in;
     uint64_t isInside = 0; // a pair: its first byte was the last one of the window before
     for (; stop - next >= kNeeded && !batch.isFull(); next += kWindow) {
@@ -101,9 +102,10 @@ ZELMORA_WIDE_PART void decodeWindows(const char16_t* table, bool isASCII, const 
     const Octet* in = source;
     char16_t* out = target;
     bool decodes = true;
-    while (decodes && stop - in >= kNeeded) {
+    for (size_t most = Batch::kFewest; decodes && stop - in >= kNeeded;
+         most = std::min(2 * most, Batch::kMost)) {
         widenWindows(isASCII, in, stop, out);
-        decodes = decodeBatch<Encoding>(table, isASCII, in, stop, out);
+        decodes = decodeBatch<Encoding>(table, isASCII, most, in, stop, out);
     }
     source = in;
     target = out;
@@ -120,14 +122,6 @@ ZELMORA_WIDE void decodeEUCJPWindows(const Octet*& in, const Octet* stop, char16
     decodeWindows<EUCJP>(kJISTable._planes[0], true, in, stop, out);
 }
 
-} // namespace zelmora::platform
+} // namespace zelmora::platform::ZELMORA_LEVEL
 
-#else
-
-namespace zelmora::platform {
-
-void decodeShiftJISWindows(const char16_t*, bool, const Octet*&, const Octet*, char16_t*&) {}
-void decodeEUCJPWindows(const Octet*&, const Octet*, char16_t*&) {}
-
-} // namespace zelmora::platform
 #endif

@@ -9,9 +9,9 @@
 #if defined(__x86_64__)
 #include "platform/text/wide_vectors.h"
 
-#include <array>
+#include <algorithm>
 
-namespace zelmora::platform {
+namespace zelmora::platform::ZELMORA_LEVEL {
 namespace {
 
 constexpr int kLongest = 2; ///< bytes of an escape sequence or a character behind its first one
@@ -47,22 +47,11 @@ ZELMORA_WIDE_PART void Window::classify(const Octet* in, int shift) {
     _strange |= highBits(_mm256_or_si256(_mm256_or_si256(first, second), shifts)) << shift;
 }
 
-/// FF for every bit that is set.
-ZELMORA_WIDE_PART __m256i bytesOfBits(uint32_t bits) {
-    const __m256i eachByte =
-        _mm256_setr_epi64x(0, 0x0101'0101'0101'0101, 0x0202'0202'0202'0202, 0x0303'0303'0303'0303);
-    const __m256i eachBit = _mm256_set1_epi64x(static_cast<int64_t>(0x8040'2010'0804'0201));
-    const __m256i spread = _mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(bits)), eachByte);
-    return _mm256_cmpeq_epi8(_mm256_and_si256(spread, eachBit), eachBit);
-}
-
 /// The cells of the characters that would begin at each of 32 bytes: of pairs where `pairs`.
 ZELMORA_WIDE_PART Words findCells(const Octet* in, uint64_t pairs) {
-    const __m256i isPair = bytesOfBits(static_cast<uint32_t>(pairs));
     const __m256i first = load(in);
     const __m256i second = _mm256_or_si256(load(in + 1), bytesOf(0x80));
-    return joined(_mm256_blendv_epi8(first, second, isPair),
-                  _mm256_blendv_epi8(bytesOf(JISTable::kASCII), first, isPair));
+    return joined(chosen(pairs, second, first), chosen(pairs, first, bytesOf(JISTable::kASCII)));
 }
 
 constexpr std::ptrdiff_t kNeeded = kWindow + kLongest;
@@ -82,11 +71,11 @@ ZELMORA_WIDE_PART void widenWindows(const Octet*& in, const Octet* stop, char16_
     }
 }
 
-/// Takes a window, and more of them until one is ASCII or not for us; false at such a one and at a
-/// code that is no character.
-ZELMORA_WIDE_PART bool decodeBatch(bool& isDouble, const Octet*& in, const Octet* stop,
+/// Takes a window, and more of them until one is ASCII or not for us, up to `most`; false at such a
+/// one and at a code that is no character.
+ZELMORA_WIDE_PART bool decodeBatch(bool& isDouble, size_t most, const Octet*& in, const Octet* stop,
                                    char16_t*& out) {
-    Batch batch(kJISTable._planes[0], JISTable::kASCII, out);
+    Batch batch(kJISTable._planes[0], JISTable::kASCII, most, out);
     const Octet* next = in;
     uint64_t on = isDouble ? 1 : 0;
     uint64_t taken = 0; // the bytes of this window that belong to what began before it
@@ -121,22 +110,16 @@ ZELMORA_WIDE void decodeISO2022JPWindows(bool& isDouble, const Octet*& source, c
     const Octet* in = source;
     char16_t* out = target;
     bool decodes = true;
-    while (decodes && stop - in >= kNeeded) {
+    for (size_t most = Batch::kFewest; decodes && stop - in >= kNeeded;
+         most = std::min(2 * most, Batch::kMost)) {
         if (!isDouble)
             widenWindows(in, stop, out);
-        decodes = decodeBatch(isDouble, in, stop, out);
+        decodes = decodeBatch(isDouble, most, in, stop, out);
     }
     source = in;
     target = out;
 }
 
-} // namespace zelmora::platform
+} // namespace zelmora::platform::ZELMORA_LEVEL
 
-#else
-
-namespace zelmora::platform {
-
-void decodeISO2022JPWindows(bool&, const Octet*&, const Octet*, char16_t*&) {}
-
-} // namespace zelmora::platform
 #endif

@@ -1,5 +1,5 @@
 // UTF-16 to the encodings of the Shift_JIS family, 16 units at a time: the units' codes are looked
-// up into a vector, and a shuffle drops the upper byte of those that are one byte.
+// up into vectors, from which the upper bytes of those that are one byte are dropped.
 #include "platform/text/wide_kernels.h"
 
 #if defined(__x86_64__)
@@ -7,25 +7,10 @@
 
 #include <array>
 
-namespace zelmora::platform {
+namespace zelmora::platform::ZELMORA_LEVEL {
 namespace {
 
 constexpr int kUnits = 16;
-
-/// The bytes of eight codes in the order in which they are written. Bit i of the index: code i is
-/// one byte.
-constexpr std::array<Shuffle, 256> kWrittenBytes = [] {
-    std::array<Shuffle, 256> shuffles{};
-    for (unsigned singles = 0; singles < shuffles.size(); ++singles) {
-        size_t written = 0;
-        for (unsigned i = 0; i < 8; ++i) {
-            if ((singles >> i & 1) == 0)
-                shuffles[singles][written++] = static_cast<uint8_t>(2 * i + 1);
-            shuffles[singles][written++] = static_cast<uint8_t>(2 * i);
-        }
-    }
-    return shuffles;
-}();
 
 ZELMORA_WIDE_PART __m256i unitsOf(int value) {
     return _mm256_set1_epi16(static_cast<short>(value));
@@ -46,19 +31,48 @@ ZELMORA_WIDE_PART bool isASCII(__m256i units, bool hasSequences) {
     return !hasSequences || highBits(_mm256_cmpeq_epi16(units, unitsOf('\\'))) == 0;
 }
 
-/// Writes the codes of eight units; false if one of them has none.
-ZELMORA_WIDE_PART bool encodeEight(const uint16_t* table, const char16_t* in, Octet*& out) {
-    const __m128i codes = lookUpEight(table, in);
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i none = _mm_cmpeq_epi16(codes, zero);
-    const __m128i isSingle = _mm_cmpeq_epi16(_mm_srli_epi16(codes, 8), zero);
-    const auto kinds = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isSingle, none)));
-    if (kinds > 0xFF)
-        return false;
-    store(out, shuffled(codes, kWrittenBytes[kinds]));
-    out += 16 - std::popcount(kinds);
-    return true;
+#ifdef ZELMORA_VBMI2
+
+/// Writes 16 codes: the bytes that are not zero, which no second byte is.
+ZELMORA_WIDE_PART void writeCodes(__m128i front, __m128i back, Octet*& out) {
+    const __m256i codes = _mm256_set_m128i(back, front);
+    const __m256i bytes = _mm256_or_si256(_mm256_srli_epi16(codes, 8), _mm256_slli_epi16(codes, 8));
+    const __mmask32 wanted = _mm256_test_epi8_mask(bytes, bytes);
+    store(out, _mm256_maskz_compress_epi8(wanted, bytes));
+    out += std::popcount(wanted);
 }
+
+#else
+
+/// The bytes of eight codes in the order in which they are written. Bit i of the index: code i is
+/// one byte.
+constexpr std::array<Shuffle, 256> kWrittenBytes = [] {
+    std::array<Shuffle, 256> shuffles{};
+    for (unsigned singles = 0; singles < shuffles.size(); ++singles) {
+        size_t written = 0;
+        for (unsigned i = 0; i < 8; ++i) {
+            if ((singles >> i & 1) == 0)
+                shuffles[singles][written++] = static_cast<uint8_t>(2 * i + 1);
+            shuffles[singles][written++] = static_cast<uint8_t>(2 * i);
+        }
+    }
+    return shuffles;
+}();
+
+ZELMORA_WIDE_PART void writeEight(__m128i codes, Octet*& out) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i isSingle = _mm_cmpeq_epi16(_mm_srli_epi16(codes, 8), zero);
+    const auto singles = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isSingle, zero)));
+    store(out, shuffled(codes, kWrittenBytes[singles]));
+    out += 16 - std::popcount(singles);
+}
+
+ZELMORA_WIDE_PART void writeCodes(__m128i front, __m128i back, Octet*& out) {
+    writeEight(front, out);
+    writeEight(back, out);
+}
+
+#endif
 
 } // namespace
 
@@ -77,22 +91,17 @@ ZELMORA_WIDE void encodeShiftJISWindows(const uint16_t* codes, bool hasSequences
             out += kUnits;
             continue;
         }
-        Octet* next = out;
-        if (!encodeEight(codes, in, next) || !encodeEight(codes, in + kUnits / 2, next))
+        const __m128i front = lookUpEight(codes, in);
+        const __m128i back = lookUpEight(codes, in + kUnits / 2);
+        const __m128i none = _mm_cmpeq_epi16(_mm_min_epu16(front, back), _mm_setzero_si128());
+        if (_mm_testz_si128(none, none) == 0)
             break;
-        out = next;
+        writeCodes(front, back, out);
     }
     source = in;
     target = out;
 }
 
-} // namespace zelmora::platform
+} // namespace zelmora::platform::ZELMORA_LEVEL
 
-#else
-
-namespace zelmora::platform {
-
-void encodeShiftJISWindows(const uint16_t*, bool, const char16_t*&, const char16_t*, Octet*&) {}
-
-} // namespace zelmora::platform
 #endif

@@ -6,7 +6,7 @@
 
 #include <array>
 
-namespace zelmora::platform {
+namespace zelmora::platform::ZELMORA_LEVEL {
 namespace {
 
 /// What 32 bytes are; a bit for each but in the units.
@@ -166,14 +166,6 @@ ZELMORA_WIDE void decodeUTF8Windows(const Octet*& source, const Octet* stop, cha
     target = out;
 }
 
-} // namespace zelmora::platform
+} // namespace zelmora::platform::ZELMORA_LEVEL
 
-#else
-
-namespace zelmora::platform {
-
-void decodeUTF8Windows(const Octet*&, const Octet*, char16_t*&) {}
-void encodeUTF8Windows(const char16_t*&, const char16_t*, Octet*&) {}
-
-} // namespace zelmora::platform
 #endif

@@ -1,4 +1,4 @@
-// Inner loops for processors with 256-bit vectors. A codec works without them; where they may run,
+// Inner loops for processors with wide vectors. A codec works without them; where they may run,
 // they take the bulk of its text, many characters at a time and without a branch for each, and stop
 // where that is not enough: at a character that needs a closer look or is invalid, or near the end.
 // The codec's plain loop takes one window from there.
@@ -11,11 +11,19 @@
 
 namespace zelmora::platform {
 
-/// Whether the kernels may run: whether this processor has AVX2, BMI1 and POPCNT.
-bool usesWideKernels();
+/// Which kernels run, each of them compiled for what processors have.
+enum class WideKernels {
+    none,
+    avx2,  ///< AVX2, BMI1 and POPCNT
+    vbmi2, ///< and AVX-512 with VBMI2, which packs 32 words at once
+};
 
-/// Turns the kernels off, and back on where the processor allows; for tests. For all threads.
-void setUsesWideKernels(bool wanted);
+/// The ones that run, at first the best ones that this processor has.
+WideKernels wideKernels();
+
+/// Makes `most` run, or the best ones before them that the processor has; for tests. For all
+/// threads.
+void setWideKernels(WideKernels most);
 
 constexpr std::ptrdiff_t kWindow = 64; ///< bytes or units that a kernel takes at a time
 constexpr std::ptrdiff_t kLongestRest = kWindow + 1; ///< that is too short for a kernel
@@ -26,7 +34,7 @@ constexpr std::ptrdiff_t kLongestRest = kWindow + 1; ///< that is too short for 
 /// kernel may be left, unless that is all: it may be longer with the next chunk.
 template<typename In, typename Out, typename Kernel, typename Plain>
 bool convertInTurns(const In*& source, const In* stop, Out*& target, Kernel kernel, Plain plain) {
-    const bool isWide = usesWideKernels();
+    const bool isWide = wideKernels() != WideKernels::none;
     const In* in = source;
     Out* out = target;
     bool converts = true;
@@ -66,5 +74,19 @@ void decodeUTF8Windows(const Octet*& in, const Octet* stop, char16_t*& out);
 
 /// Leaves surrogates to the plain loop.
 void encodeUTF8Windows(const char16_t*& in, const char16_t* stop, Octet*& out);
+
+// Each of them once more for each level, to be chosen from by the above.
+#define ZELMORA_KERNELS(LEVEL)                                                                     \
+    namespace LEVEL {                                                                              \
+    decltype(platform::decodeShiftJISWindows) decodeShiftJISWindows;                               \
+    decltype(platform::encodeShiftJISWindows) encodeShiftJISWindows;                               \
+    decltype(platform::decodeEUCJPWindows) decodeEUCJPWindows;                                     \
+    decltype(platform::decodeISO2022JPWindows) decodeISO2022JPWindows;                             \
+    decltype(platform::decodeUTF8Windows) decodeUTF8Windows;                                       \
+    decltype(platform::encodeUTF8Windows) encodeUTF8Windows;                                       \
+    }
+ZELMORA_KERNELS(avx2)
+ZELMORA_KERNELS(vbmi2)
+#undef ZELMORA_KERNELS
 
 } // namespace zelmora::platform

@@ -10,12 +10,20 @@
 #include <cstdint>
 #include <immintrin.h>
 
-/// A function with this may use the vectors, and must not be called unless usesWideKernels().
-#define ZELMORA_WIDE __attribute__((target("avx2,bmi,popcnt")))
+// The kernels are compiled once for each level of processors.
+#ifdef ZELMORA_VBMI2
+#define ZELMORA_LEVEL vbmi2
+#define ZELMORA_TARGET "avx2,bmi,popcnt,avx512f,avx512bw,avx512vl,avx512vbmi2"
+#else
+#define ZELMORA_LEVEL avx2
+#define ZELMORA_TARGET "avx2,bmi,popcnt"
+#endif
+/// A function with this may use the vectors, and must not be called where the level may not run.
+#define ZELMORA_WIDE __attribute__((target(ZELMORA_TARGET)))
 /// A part of such a function.
 #define ZELMORA_WIDE_PART __attribute__((always_inline)) ZELMORA_WIDE inline
 
-namespace zelmora::platform {
+namespace zelmora::platform::ZELMORA_LEVEL {
 
 constexpr int kHalf = 32; ///< bytes in a vector; two of them are a window
 
@@ -65,6 +73,32 @@ ZELMORA_WIDE_PART __m128i shuffled(__m128i bytes, const Shuffle& shuffle) {
     return _mm_shuffle_epi8(bytes, _mm_loadu_si128(static_cast<const __m128i*>(by)));
 }
 
+#ifdef ZELMORA_VBMI2
+
+/// The 32 words whose bits are set, one after the other, then zeroes.
+ZELMORA_WIDE_PART __m512i packed(const Words& words, uint64_t wanted) {
+    const __m512i inOrder = _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11);
+    const __m512i all = _mm512_permutex2var_epi64(_mm512_castsi256_si512(words._front), inOrder,
+                                                  _mm512_castsi256_si512(words._back));
+    return _mm512_maskz_compress_epi16(static_cast<__mmask32>(wanted), all);
+}
+
+/// Writes the words of a window whose bits are set, one after the other, and up to 32 more that do
+/// not count.
+ZELMORA_WIDE_PART void writeWords(const Words& low, const Words& high, uint64_t wanted,
+                                  char16_t*& out) {
+    _mm512_storeu_si512(out, packed(low, wanted));
+    _mm512_storeu_si512(out + std::popcount(wanted << kHalf), packed(high, wanted >> kHalf));
+    out += std::popcount(wanted);
+}
+
+/// The bytes of `set` where a bit of `bits` is set, the others of `clear`.
+ZELMORA_WIDE_PART __m256i chosen(uint64_t bits, __m256i set, __m256i clear) {
+    return _mm256_mask_blend_epi8(static_cast<__mmask32>(bits), clear, set);
+}
+
+#else
+
 /// The bytes of eight words of which only some are kept, by a bit for each.
 constexpr std::array<Shuffle, 256> kKeptWords = [] {
     std::array<Shuffle, 256> shuffles{};
@@ -104,6 +138,18 @@ ZELMORA_WIDE_PART void writeWords(const Words& low, const Words& high, uint64_t 
     out += std::popcount(wanted);
 }
 
+/// The bytes of `set` where a bit of `bits` is set, the others of `clear`.
+ZELMORA_WIDE_PART __m256i chosen(uint64_t bits, __m256i set, __m256i clear) {
+    const __m256i eachByte =
+        _mm256_setr_epi64x(0, 0x0101'0101'0101'0101, 0x0202'0202'0202'0202, 0x0303'0303'0303'0303);
+    const __m256i eachBit = _mm256_set1_epi64x(static_cast<int64_t>(0x8040'2010'0804'0201));
+    const __m256i spread = _mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(bits)), eachByte);
+    const __m256i isSet = _mm256_cmpeq_epi8(_mm256_and_si256(spread, eachBit), eachBit);
+    return _mm256_blendv_epi8(clear, set, isSet);
+}
+
+#endif
+
 /// What `table` has for each of eight units.
 template<typename Entry>
 ZELMORA_WIDE_PART __m128i lookUpEight(const Entry* table, const char16_t* units) {
@@ -141,12 +187,18 @@ inline uint64_t secondBytes(uint64_t canBegin) {
 /// branch that depends on the text, and no step of theirs waits for the one before it.
 class Batch {
   public:
-    /// `table` is looked up in, at `filler` for no reason; its character must not be none.
-    ZELMORA_WIDE_PART Batch(const char16_t* table, uint8_t fillerRow, char16_t* out)
-        : _table(table), _filler(static_cast<short>(fillerRow << 8)), _begin(out), _end(out) {}
+    /// Windows to begin with, twice as many when they were all right, and so on: in a long run
+    /// there are few ends of loops to mispredict, after a bad code there is little to repeat.
+    static constexpr size_t kFewest = 8;
+    static constexpr size_t kMost = 32;
+
+    /// Takes `most` windows. `singles`: a row of `table` that begins with a character.
+    ZELMORA_WIDE_PART Batch(const char16_t* table, uint8_t singles, size_t most, char16_t* out)
+        : _table(table), _filler(static_cast<short>(singles << 8)), _most(most), _begin(out),
+          _end(out) {}
 
     bool isEmpty() const { return _count == 0; }
-    bool isFull() const { return _count == kMost; }
+    bool isFull() const { return _count == _most; }
 
     /// Adds a window: the cells of the characters that would begin at each byte, and where they do.
     ZELMORA_WIDE_PART void add(const Words& low, const Words& high, uint64_t starts) {
@@ -165,8 +217,6 @@ class Batch {
     }
 
   private:
-    static constexpr size_t kMost = 16; ///< as many as are worth while to repeat after a bad code
-
     ZELMORA_WIDE_PART void lookUp() {
         store(_end, _mm_set1_epi16(_filler)); // the last eight cells may be fewer
         for (char16_t* cells = _begin; cells < _end; cells += 8) {
@@ -184,6 +234,7 @@ class Batch {
 
     const char16_t* _table;
     short _filler;
+    size_t _most;
     char16_t* _begin;
     char16_t* _end;
     __m128i _nearest = _mm_set1_epi16(-1); ///< how close the characters come to kUnassigned
@@ -191,4 +242,4 @@ class Batch {
     std::array<uint64_t, kMost> _starts;
 };
 
-} // namespace zelmora::platform
+} // namespace zelmora::platform::ZELMORA_LEVEL

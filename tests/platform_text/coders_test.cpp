@@ -98,12 +98,12 @@ class Coders : public testing::TestWithParam<Pieces> {
         return bytes;
     }
 
-    /// `convert`'s answer without kernels.
+    /// `convert`'s answer without kernels. Runs either of the levels then.
     template<typename Convert>
     auto plainly(Convert convert) {
-        setUsesWideKernels(false);
+        setWideKernels(WideKernels::none);
         auto result = convert();
-        setUsesWideKernels(true);
+        setWideKernels(_random() % 2 == 0 ? WideKernels::avx2 : WideKernels::vbmi2);
         return result;
     }
 
