@@ -91,6 +91,7 @@ ZELMORA_WIDE void encodeShiftJISWindows(const uint16_t* codes, bool hasSequences
             out += kUnits;
             continue;
         }
+        prefetchAfter(in);
         const __m128i front = lookUpEight(codes, in);
         const __m128i back = lookUpEight(codes, in + kUnits / 2);
         const __m128i none = _mm_cmpeq_epi16(_mm_min_epu16(front, back), _mm_setzero_si128());

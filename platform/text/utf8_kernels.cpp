@@ -126,6 +126,7 @@ ZELMORA_WIDE void encodeUTF8Windows(const char16_t*& source, const char16_t* sto
         } else if (hasSurrogate(units)) {
             break;
         } else {
+            prefetchAfter(in);
             encodeEight(_mm256_cvtepu16_epi32(front), out);
             encodeEight(_mm256_cvtepu16_epi32(back), out);
         }
