@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <type_traits>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -17,16 +18,23 @@ template<typename Unit, typename Matters>
 [[nodiscard]] size_t findFirstUnit(const Unit* units, size_t count, Matters matters,
                                    size_t from = 0) {
     constexpr size_t kBlock = 32 / sizeof(Unit);
+    constexpr size_t kBlocks = 4;             // asked together, as long as none of them matters
     if (from < count && matters(units[from])) // where such units are dense, no block is worth it
         return from;
-    size_t offset = from;
-    for (; count - offset >= kBlock; offset += kBlock) {
+    const auto matter = [&]<size_t length>(const Unit* block,
+                                           std::integral_constant<size_t, length>) {
         Unit any = 0; // as wide as a unit, so that no lane is repacked
-        for (size_t i = 0; i < kBlock; ++i)
-            any = static_cast<Unit>(any | static_cast<Unit>(matters(units[offset + i])));
-        if (any != 0)
-            break;
-    }
+        for (size_t i = 0; i < length; ++i)
+            any = static_cast<Unit>(any | static_cast<Unit>(matters(block[i])));
+        return any != 0;
+    };
+    size_t offset = from;
+    while (count - offset >= kBlocks * kBlock &&
+           !matter(units + offset, std::integral_constant<size_t, kBlocks * kBlock>()))
+        offset += kBlocks * kBlock;
+    while (count - offset >= kBlock &&
+           !matter(units + offset, std::integral_constant<size_t, kBlock>()))
+        offset += kBlock;
     while (offset < count && !matters(units[offset]))
         ++offset;
     return offset;
