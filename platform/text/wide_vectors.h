@@ -31,8 +31,8 @@ ZELMORA_WIDE_PART __m256i load(const void* in) {
     return _mm256_loadu_si256(static_cast<const __m256i*>(in));
 }
 
-/// Has the text soon after `in` fetched into the cache, harmlessly where there is none. The encoders
-/// gain a fifth by it where the text is not in the cache yet, the decoders nothing.
+/// Has the text soon after `in` fetched into the cache, harmlessly where there is none. The
+/// encoders gain a fifth by it where the text is not in the cache yet, the decoders nothing.
 ZELMORA_WIDE_PART void prefetchAfter(const void* in) {
     constexpr uintptr_t kAhead = 1024; // bytes
     const uintptr_t soon = reinterpret_cast<uintptr_t>(in) + kAhead;
