@@ -155,7 +155,14 @@ class Comparison:
         tree.write(self._tree)
         paths = [str(path) for path in tree.paths(self._tree_work)]
 
+        used = self._folder / "used"
+        used.mkdir()
+
         def copy_tree():
+            if self._where == "disk" and self._tree_work.exists():
+                # ext4 passes over files deleted lately, one by one, when it looks for room for a
+                # new one. What a run has left is deleted when all are done.
+                self._tree_work.rename(used / str(len(os.listdir(used))))
             shutil.rmtree(self._tree_work, ignore_errors=True)
             subprocess.run(["cp", "-r", self._tree, self._tree_work], check=True)
             if self._where == "disk":
@@ -185,6 +192,7 @@ class Comparison:
                 group, "to UTF-8, safe from power cuts", peer, median["ours"], median[peer]
             )
         shutil.rmtree(self._tree_work)
+        shutil.rmtree(used)
 
     def tiny_file(self):
         text = LargeText(TINY_FILE, "Shift_JIS")
