@@ -2,8 +2,10 @@
 
 #include "engine/settings.h"
 #include "foundation/orv_base.h"
+#include "platform/text/unicode_codecs.h"
 #include "platform/text/utf8.h"
 
+#include <array>
 #include <utility>
 
 namespace zelmora {
@@ -13,13 +15,10 @@ constexpr size_t mostLinesListed = 1000; // more than anyone reads through
 
 /// The character as itself, and its name for where no font has it.
 std::string shownCharacter(char32_t codePoint) {
-    std::u16string units;
-    if (codePoint > 0xFFFF)
-        units = {static_cast<char16_t>(0xD7C0 + (codePoint >> 10)),
-                 static_cast<char16_t>(0xDC00 | (codePoint & 0x3FF))};
-    else
-        units = static_cast<char16_t>(codePoint);
-    return platform::utf8FromUTF16(units) + " (" + codePointName(codePoint) + ")";
+    std::array<char16_t, 2> units;
+    char16_t* end = units.data();
+    platform::writeUnits(codePoint, end);
+    return platform::utf8FromUTF16({units.data(), end}) + " (" + codePointName(codePoint) + ")";
 }
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "foundation/wide_text.h"
 
+#include "platform/text/unicode_codecs.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cwchar>
@@ -11,14 +13,6 @@ namespace {
 constexpr uint32_t lastCodePoint = 0x10FFFF;
 constexpr uint32_t replacement = 0xFFFD;
 
-constexpr bool isHighSurrogate(uint32_t unit) {
-    return (unit & 0xFFFFFC00) == 0xD800;
-}
-
-constexpr bool isLowSurrogate(uint32_t unit) {
-    return (unit & 0xFFFFFC00) == 0xDC00;
-}
-
 } // namespace
 
 std::wstring wideFromUTF16(std::u16string_view text) {
@@ -26,10 +20,11 @@ std::wstring wideFromUTF16(std::u16string_view text) {
     std::wstring wide(text.size(), L'\0');
     wchar_t* out = wide.data();
     for (size_t i = 0; i < text.size(); ++i) {
-        uint32_t character = text[i];
-        if (isHighSurrogate(character) && i + 1 < text.size() && isLowSurrogate(text[i + 1]))
-            character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - 0xDC00U);
-        *out++ = static_cast<wchar_t>(character);
+        const bool isPair = platform::isHighSurrogate(text[i]) && i + 1 < text.size() &&
+                            platform::isLowSurrogate(text[i + 1]);
+        *out++ = static_cast<wchar_t>(isPair ? platform::codePointOfPair(text[i], text[i + 1])
+                                             : text[i]);
+        i += isPair ? 1 : 0;
     }
     wide.resize(static_cast<size_t>(out - wide.data()));
     return wide;
@@ -44,20 +39,15 @@ std::u16string utf16FromWide(std::wstring_view text) {
     std::u16string units(text.size() + static_cast<size_t>(pairs), u'\0');
     char16_t* out = units.data();
     for (const wchar_t wide : text) {
-        const auto character = static_cast<uint32_t>(wide);
-        if (isPair(wide)) {
-            *out++ = static_cast<char16_t>(0xD7C0 + (character >> 10));
-            *out++ = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
-        } else {
-            *out++ = static_cast<char16_t>(character > lastCodePoint ? replacement : character);
-        }
+        const auto character = static_cast<char32_t>(wide);
+        platform::writeUnits(character > lastCodePoint ? replacement : character, out);
     }
     return units;
 }
 
 char* putUTF8(wchar_t wide, char* out) noexcept {
     auto character = static_cast<uint32_t>(wide);
-    if (character > lastCodePoint || isHighSurrogate(character) || isLowSurrogate(character))
+    if (character > lastCodePoint || (character & 0xFFFF'F800) == 0xD800)
         character = replacement;
     const auto put = [&out](uint32_t byte) { *out++ = static_cast<char>(byte); };
     if (character < 0x80) {

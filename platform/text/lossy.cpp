@@ -78,7 +78,7 @@ utf8proc_int32_t nextCodePoint(const char16_t*& in, const char16_t* end) {
     const char16_t unit = *in++;
     if (!isHighSurrogate(unit) || in == end || !isLowSurrogate(*in))
         return unit;
-    return 0x10000 + ((unit & 0x3FF) << 10) + (*in++ & 0x3FF);
+    return static_cast<utf8proc_int32_t>(codePointOfPair(unit, *in++));
 }
 
 class LossyPass {

@@ -69,18 +69,6 @@ Sequence readSequence(const Octet* in, const Octet* end) {
     return {length, codePoint};
 }
 
-void writeUnits(char32_t codePoint, char16_t*& out) {
-    if (codePoint >= 0x10000) {
-        *out++ = static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
-        codePoint = 0xDC00 | (codePoint & 0x3FF);
-    }
-    *out++ = static_cast<char16_t>(codePoint);
-}
-
-char32_t codePointOfPair(char16_t high, char16_t low) {
-    return 0x10000 + ((high & 0x3FFu) << 10) + (low & 0x3FFu);
-}
-
 Octet continuation(char32_t codePoint, int shift) {
     return static_cast<Octet>(0x80 | (codePoint >> shift & 0x3F));
 }

@@ -37,6 +37,21 @@ inline bool isSurrogate(char16_t unit) {
     return (unit & 0xF800) == 0xD800;
 }
 
+/// REQUIRES: a high surrogate and a low one.
+inline char32_t codePointOfPair(char16_t high, char16_t low) {
+    return 0x10000 + ((high & 0x3FFu) << 10) + (low & 0x3FFu);
+}
+
+/// Writes one unit, or the pair that `codePoint` is beyond the basic plane. REQUIRES: it is none
+/// beyond U+10FFFF.
+inline void writeUnits(char32_t codePoint, char16_t*& out) {
+    if (codePoint >= 0x10000) {
+        *out++ = static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
+        codePoint = 0xDC00 | (codePoint & 0x3FF);
+    }
+    *out++ = static_cast<char16_t>(codePoint);
+}
+
 /// The offset of the first lone surrogate in `text` at or after `from`, `text.size()` when there is
 /// none. REQUIRES: `from` does not split a pair.
 [[nodiscard]] size_t findLoneSurrogate(std::u16string_view text, size_t from = 0);
