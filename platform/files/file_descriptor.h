@@ -40,9 +40,8 @@ template<typename Call>
 auto resumed(Call call) {
     for (;;) {
         const auto answer = call();
-        if (answer != -1 || errno != EINTR) {
+        if (answer != -1 || errno != EINTR)
             return answer;
-        }
     }
 }
 

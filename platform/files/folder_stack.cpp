@@ -15,27 +15,23 @@ void FolderStack::push(FileDescriptor folder) {
     if (_levels.size() > kOpenLevels) {
         Level& oldest = _levels[_levels.size() - 1 - kOpenLevels];
         // One that cannot even be identified just stays open.
-        if (oldest.folder.isOpen() && ::fstat(oldest.folder.get(), &oldest.identity) == 0) {
+        if (oldest.folder.isOpen() && ::fstat(oldest.folder.get(), &oldest.identity) == 0)
             oldest.folder.close();
-        }
     }
 }
 
 int FolderStack::pop() {
     const FileDescriptor inner = std::move(_levels.back().folder);
     _levels.pop_back();
-    if (_levels.empty() || _levels.back().folder.isOpen()) {
+    if (_levels.empty() || _levels.back().folder.isOpen())
         return 0;
-    }
     Level& outer = _levels.back();
     FileDescriptor folder = openAt(inner.get(), "..", O_RDONLY | O_DIRECTORY);
     struct stat found = {};
-    if (!folder.isOpen() || ::fstat(folder.get(), &found) != 0) {
+    if (!folder.isOpen() || ::fstat(folder.get(), &found) != 0)
         return errno;
-    }
-    if (found.st_dev != outer.identity.st_dev || found.st_ino != outer.identity.st_ino) {
+    if (found.st_dev != outer.identity.st_dev || found.st_ino != outer.identity.st_ino)
         return ESTALE;
-    }
     outer.folder = std::move(folder);
     return 0;
 }

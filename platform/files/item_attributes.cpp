@@ -23,30 +23,26 @@ int copyAttribute(int source, int copy, const char* name, std::vector<char>& val
     constexpr size_t kLargestValue = 65536; // XATTR_SIZE_MAX
     value.resize(kLargestValue);
     const auto size = ::fgetxattr(source, name, value.data(), value.size());
-    if (size < 0) {
+    if (size < 0)
         return errno == ENODATA ? 0 : errno;
-    }
     return errnoUnless(::fsetxattr(copy, name, value.data(), static_cast<size_t>(size), 0));
 }
 
 int copyExtendedAttributes(int source, int copy) {
     const auto size = ::flistxattr(source, nullptr, 0);
-    if (size <= 0) {
+    if (size <= 0)
         return size == 0 || errno == ENOTSUP ? 0 : errno;
-    }
     std::string names(static_cast<size_t>(size), '\0');
     const auto listed = ::flistxattr(source, names.data(), names.size());
-    if (listed < 0) {
+    if (listed < 0)
         return errno;
-    }
     names.resize(static_cast<size_t>(listed));
     std::vector<char> value;
     for (size_t start = 0; start < names.size();) {
         const std::string_view name = names.c_str() + start;
         const int code = copyAttribute(source, copy, name.data(), value);
-        if (code != 0 && name.starts_with("user.")) {
+        if (code != 0 && name.starts_with("user."))
             return code;
-        }
         start += name.size() + 1;
     }
     return 0;
@@ -58,15 +54,12 @@ int copyAttributes(int source, const struct stat& status, int copy) {
     mode_t permissions = status.st_mode & kAllPermissions;
     // Each step can undo or forbid an earlier one: an owner's change clears permissions, and
     // permissions can forbid attributes.
-    if (::fchown(copy, status.st_uid, status.st_gid) != 0) {
+    if (::fchown(copy, status.st_uid, status.st_gid) != 0)
         permissions &= ~static_cast<mode_t>(S_ISUID | S_ISGID); // meant for another owner
-    }
-    if (const int code = copyExtendedAttributes(source, copy)) {
+    if (const int code = copyExtendedAttributes(source, copy))
         return code;
-    }
-    if (::fchmod(copy, permissions) != 0) {
+    if (::fchmod(copy, permissions) != 0)
         return errno;
-    }
     return errnoUnless(::futimens(copy, timesOf(status).data()));
 }
 

@@ -14,9 +14,8 @@ constexpr size_t kSiblingRoom = 64;
 /// Where the last component begins; slashes behind it belong to it.
 size_t lastComponentStart(std::string_view path) {
     const size_t lastByte = path.find_last_not_of('/');
-    if (lastByte == std::string_view::npos) {
+    if (lastByte == std::string_view::npos)
         return 0;
-    }
     return path.rfind('/', lastByte) + 1; // npos + 1 is 0
 }
 
@@ -37,15 +36,13 @@ int Location::openFolder(const std::string& path) {
         size_t cut = end;
         if (end - begin >= PATH_MAX) {
             cut = path.rfind('/', begin + PATH_MAX - 2) + 1;
-            if (cut <= begin) {
+            if (cut <= begin)
                 return ENAMETOOLONG;
-            }
         }
         const std::string part = path.substr(begin, cut - begin);
         FileDescriptor next = openAt(folder(), part.c_str(), O_PATH | O_DIRECTORY);
-        if (!next.isOpen()) {
+        if (!next.isOpen())
             return errno;
-        }
         _folder = std::move(next);
         begin = path.find_first_not_of('/', cut); // a part must not look absolute
     }
@@ -65,9 +62,8 @@ std::string Location::sibling(std::string_view name) const {
 }
 
 std::string Location::pathForCall() const {
-    if (!_folder.isOpen()) {
+    if (!_folder.isOpen())
         return _name;
-    }
     return "/proc/self/fd/" + std::to_string(_folder.get()) + "/" + _name;
 }
 
@@ -78,9 +74,8 @@ int Location::status(struct stat& result, int flags) const {
 int Location::syncParent() const {
     const FileDescriptor parentFolder = openAt(folder(), parent().c_str(), O_RDONLY | O_DIRECTORY);
     if (!parentFolder.isOpen()) {
-        if (errno != EACCES) {
+        if (errno != EACCES)
             return errno;
-        }
         ::sync(); // a folder that may be written but not read: rare, and the others' writes too
         return 0;
     }

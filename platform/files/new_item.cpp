@@ -18,13 +18,11 @@ bool isUnsupported(int code) {
 /// Gives a file or a link its new name beside the old one, then takes the old one away. Killed
 /// between the two, it has both: nothing is lost.
 int renameByLinking(int fromFolder, const char* from, int toFolder, const char* to) {
-    if (::linkat(fromFolder, from, toFolder, to, 0) != 0) {
+    if (::linkat(fromFolder, from, toFolder, to, 0) != 0)
         return errno;
-    }
     const int code = errnoUnless(::unlinkat(fromFolder, from, 0));
-    if (code != 0) {
+    if (code != 0)
         ::unlinkat(toFolder, to, 0);
-    }
     return code;
 }
 
@@ -33,24 +31,21 @@ int renameByLinking(int fromFolder, const char* from, int toFolder, const char* 
 int renameOntoPlaceholder(int fromFolder, const char* from, int toFolder, const char* to,
                           bool directory) {
     if (directory) {
-        if (::mkdirat(toFolder, to, S_IRWXU) != 0) {
+        if (::mkdirat(toFolder, to, S_IRWXU) != 0)
             return errno;
-        }
     } else if (!openAt(toFolder, to, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR).isOpen()) {
         return errno;
     }
     const int code = errnoUnless(::renameat(fromFolder, from, toFolder, to));
-    if (code != 0) {
+    if (code != 0)
         ::unlinkat(toFolder, to, directory ? AT_REMOVEDIR : 0);
-    }
     return code;
 }
 
 int createUnnamedFile(const Location& target, mode_t mode, const FileFiller& fill) {
     const FileDescriptor file = openUnnamedFile(target, mode);
-    if (!file.isOpen()) {
+    if (!file.isOpen())
         return errno;
-    }
     const int code = fill(file.get());
     return code != 0 ? code : nameUnnamedFile(file.get(), target);
 }
@@ -62,13 +57,11 @@ int copyThroughMemory(int source, int copy, size_t count) {
     while (count > 0) {
         const auto got =
             resumed([&] { return ::read(source, buffer.data(), std::min(count, buffer.size())); });
-        if (got <= 0) {
+        if (got <= 0)
             return got == 0 ? EAGAIN : errno;
-        }
         const auto size = static_cast<size_t>(got);
-        if (const int code = writeAll(copy, buffer.data(), size)) {
+        if (const int code = writeAll(copy, buffer.data(), size))
             return code;
-        }
         count -= size;
     }
     return 0;
@@ -78,13 +71,11 @@ int copyThroughMemory(int source, int copy, size_t count) {
 
 int renameWithoutReplacing(int fromFolder, const char* from, int toFolder, const char* to) {
     const int code = errnoUnless(::renameat2(fromFolder, from, toFolder, to, RENAME_NOREPLACE));
-    if (!isUnsupported(code)) {
+    if (!isUnsupported(code))
         return code;
-    }
     struct stat status = {};
-    if (::fstatat(fromFolder, from, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (::fstatat(fromFolder, from, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return errno;
-    }
     const bool directory = S_ISDIR(status.st_mode);
     if (!directory) {
         const int linkCode = renameByLinking(fromFolder, from, toFolder, to);
@@ -96,9 +87,8 @@ int renameWithoutReplacing(int fromFolder, const char* from, int toFolder, const
 }
 
 ScratchItem::~ScratchItem() {
-    if (!_name.empty()) {
+    if (!_name.empty())
         removeTree(folder(), name(), true);
-    }
 }
 
 int ScratchItem::make(const std::function<int(int folder, const char* name)>& maker) {
@@ -110,16 +100,14 @@ int ScratchItem::make(const std::function<int(int folder, const char* name)>& ma
         _name = prefix + std::to_string(counter++);
         code = maker(folder(), name());
     }
-    if (code == EEXIST) {
+    if (code == EEXIST)
         _name.clear(); // somebody else's
-    }
     return code;
 }
 
 int ScratchItem::done(int code) {
-    if (code == 0) {
+    if (code == 0)
         _name.clear();
-    }
     return code;
 }
 
@@ -137,9 +125,8 @@ FileDescriptor openUnnamedFile(const Location& target, mode_t mode) {
 
 int nameUnnamedFile(int file, const Location& target) {
     const int code = errnoUnless(::linkat(file, "", target.folder(), target.name(), AT_EMPTY_PATH));
-    if (code != ENOENT) {
+    if (code != ENOENT)
         return code;
-    }
     // Kernels before 6.10 let only the superuser do that. The other way takes longer.
     const std::string itself = "/proc/self/fd/" + std::to_string(file);
     return errnoUnless(
@@ -153,18 +140,16 @@ int createFile(const Location& target, mode_t mode, const FileFiller& fill) {
         // something else that failed, it fails again.
         ScratchItem scratch(target);
         code = makeScratchFile(scratch, mode, fill);
-        if (code == 0) {
+        if (code == 0)
             code = scratch.takeTargetName();
-        }
     }
     return code != 0 ? code : keepName(target);
 }
 
 int keepName(const Location& target) {
     const int code = target.syncParent();
-    if (code != 0) {
+    if (code != 0)
         ::unlinkat(target.folder(), target.name(), 0); // ours, and of no use
-    }
     return code;
 }
 
@@ -174,9 +159,8 @@ int makeScratchFile(ScratchItem& scratch, mode_t mode, const FileFiller& fill) {
         file = openAt(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
         return file.isOpen() ? 0 : errno;
     });
-    if (code != 0) {
+    if (code != 0)
         return code;
-    }
     const int fillCode = fill(file.get());
     const int closeCode = file.close();
     return fillCode != 0 ? fillCode : closeCode;
@@ -185,9 +169,8 @@ int makeScratchFile(ScratchItem& scratch, mode_t mode, const FileFiller& fill) {
 int writeAll(int file, const std::byte* bytes, size_t count) {
     while (count > 0) {
         const auto written = resumed([&] { return ::write(file, bytes, count); });
-        if (written <= 0) {
+        if (written <= 0)
             return written == 0 ? ENOSPC : errno;
-        }
         bytes += written;
         count -= static_cast<size_t>(written);
     }

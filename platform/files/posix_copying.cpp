@@ -30,12 +30,10 @@ int copyRegularFile(int folder, const char* name, int copy) {
     const FileDescriptor source =
         openAt(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     struct stat status = {};
-    if (!source.isOpen() || ::fstat(source.get(), &status) != 0) {
+    if (!source.isOpen() || ::fstat(source.get(), &status) != 0)
         return errno;
-    }
-    if (!S_ISREG(status.st_mode)) {
+    if (!S_ISREG(status.st_mode))
         return EINVAL;
-    }
     const int code = copyBytes(source.get(), copy, static_cast<size_t>(status.st_size));
     return code != 0 ? code : copyAttributes(source.get(), status, copy);
 }
@@ -43,9 +41,8 @@ int copyRegularFile(int folder, const char* name, int copy) {
 int copyFileInto(int folder, const char* name, int copyFolder) {
     FileDescriptor copy =
         openAt(copyFolder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, S_IRUSR | S_IWUSR);
-    if (!copy.isOpen()) {
+    if (!copy.isOpen())
         return errno;
-    }
     const int code = copyRegularFile(folder, name, copy.get());
     const int closeCode = copy.close();
     return code != 0 ? code : closeCode;
@@ -55,15 +52,12 @@ int copyLink(int folder, const char* name, int copyFolder, const char* copyName)
     std::array<char, PATH_MAX> target = {}; // always ends in a NUL
     const auto length = ::readlinkat(folder, name, target.data(), target.size());
     struct stat status = {};
-    if (length < 0 || ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (length < 0 || ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return errno;
-    }
-    if (static_cast<size_t>(length) == target.size()) {
+    if (static_cast<size_t>(length) == target.size())
         return ENAMETOOLONG;
-    }
-    if (::symlinkat(target.data(), copyFolder, copyName) != 0) {
+    if (::symlinkat(target.data(), copyFolder, copyName) != 0)
         return errno;
-    }
     return copyLinkAttributes(status, copyFolder, copyName);
 }
 
@@ -78,9 +72,8 @@ int copyNode(int folder, const char* name, int copyFolder, const char* copyName)
 }
 
 int makeCopyFolder(int in, const char* name, FileDescriptor& folder) {
-    if (::mkdirat(in, name, S_IRWXU) != 0) {
+    if (::mkdirat(in, name, S_IRWXU) != 0)
         return errno;
-    }
     folder = openAt(in, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
     return folder.isOpen() ? 0 : errno;
 }
@@ -105,9 +98,8 @@ class FolderCopy {
 };
 
 int FolderCopy::run(const Location& source, FileDescriptor copy) {
-    if (::fstat(copy.get(), &_copyIdentity) != 0) {
+    if (::fstat(copy.get(), &_copyIdentity) != 0)
         return errno;
-    }
     _copies.push(std::move(copy));
     int code = _walk.open(source.folder(), source.name());
     while (code == 0) {
@@ -146,31 +138,25 @@ int FolderCopy::copyEntry() {
 
 int FolderCopy::enterFolder() {
     FileDescriptor copy;
-    if (const int code = makeCopyFolder(_copies.top(), _walk.name(), copy)) {
+    if (const int code = makeCopyFolder(_copies.top(), _walk.name(), copy))
         return code;
-    }
     _copies.push(std::move(copy));
-    if (const int code = _walk.enter()) {
+    if (const int code = _walk.enter())
         return code;
-    }
     struct stat status = {};
-    if (::fstat(_walk.folder(), &status) != 0) {
+    if (::fstat(_walk.folder(), &status) != 0)
         return errno;
-    }
     return isSameItem(status, _copyIdentity) ? EINVAL : 0; // by a mount, the copy is in the source
 }
 
 int FolderCopy::finishFolder() {
     struct stat status = {};
-    if (::fstat(_walk.folder(), &status) != 0) {
+    if (::fstat(_walk.folder(), &status) != 0)
         return errno;
-    }
-    if (const int code = copyAttributes(_walk.folder(), status, _copies.top())) {
+    if (const int code = copyAttributes(_walk.folder(), status, _copies.top()))
         return code;
-    }
-    if (_walk.relativePath().empty() && ::syncfs(_copies.top()) != 0) {
+    if (_walk.relativePath().empty() && ::syncfs(_copies.top()) != 0)
         return errno;
-    }
     return _copies.pop();
 }
 
@@ -179,21 +165,17 @@ int FolderCopy::finishFolder() {
 int checkOutside(const struct stat& source, const Location& target) {
     FileDescriptor folder = openAt(target.folder(), target.parent().c_str(), O_PATH | O_DIRECTORY);
     struct stat status = {};
-    if (!folder.isOpen() || ::fstat(folder.get(), &status) != 0) {
+    if (!folder.isOpen() || ::fstat(folder.get(), &status) != 0)
         return errno;
-    }
     for (;;) {
-        if (isSameItem(status, source)) {
+        if (isSameItem(status, source))
             return EINVAL;
-        }
         FileDescriptor outer = openAt(folder.get(), "..", O_PATH | O_DIRECTORY);
         struct stat outerStatus = {};
-        if (!outer.isOpen() || ::fstat(outer.get(), &outerStatus) != 0) {
+        if (!outer.isOpen() || ::fstat(outer.get(), &outerStatus) != 0)
             return errno;
-        }
-        if (isSameItem(outerStatus, status)) {
+        if (isSameItem(outerStatus, status))
             return 0; // the root is in itself
-        }
         folder = std::move(outer);
         status = outerStatus;
     }
@@ -223,9 +205,8 @@ int copySingleItem(decltype(copyLink) copy, const Location& source, const Locati
 
 int copyFolder(const struct stat& status, const Location& source, const Location& target,
                std::string& failedAt) {
-    if (const int code = checkOutside(status, target)) {
+    if (const int code = checkOutside(status, target))
         return code;
-    }
     ScratchItem scratch(target);
     FileDescriptor copy;
     if (const int code = scratch.make(
@@ -242,13 +223,11 @@ int copyFolder(const struct stat& status, const Location& source, const Location
 
 int copyItem(const Location& source, const Location& target, std::string& failedAt) {
     struct stat status = {};
-    if (const int code = source.status(status, AT_SYMLINK_NOFOLLOW)) {
+    if (const int code = source.status(status, AT_SYMLINK_NOFOLLOW))
         return code;
-    }
     struct stat taken = {};
-    if (target.status(taken, AT_SYMLINK_NOFOLLOW) == 0) {
+    if (target.status(taken, AT_SYMLINK_NOFOLLOW) == 0)
         return EEXIST; // found at the end as well, but at what cost
-    }
     switch (fileTypeOfMode(status.st_mode)) {
     case FileType::regular:
         return copySingleFile(source, target);
@@ -282,9 +261,8 @@ Status PosixFileManager::copyItemAtPath(const std::string& path, const std::stri
     const Location target(targetPath);
     int code = source.error() != 0 ? source.error() : target.error();
     std::string failedAt;
-    if (code == 0) {
+    if (code == 0)
         code = copyItem(source, target, failedAt);
-    }
     return code == 0 ? Status()
                      : Error::fromErrno(code, pathInTree(path, failedAt),
                                         "copy to " + terminalPath(toPath));

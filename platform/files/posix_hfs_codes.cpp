@@ -20,16 +20,14 @@ int readFinderInfo(const std::string& path, FinderInfo& info, bool& present) {
 
 uint32_t codeAt(const FinderInfo& info, size_t offset) {
     uint32_t code = 0;
-    for (size_t i = 0; i < 4; ++i) {
+    for (size_t i = 0; i < 4; ++i)
         code = code << 8 | info[offset + i];
-    }
     return code;
 }
 
 void putCode(uint32_t code, FinderInfo& info, size_t offset) {
-    for (size_t i = 0; i < 4; ++i) {
+    for (size_t i = 0; i < 4; ++i)
         info[offset + i] = static_cast<unsigned char>(code >> (24 - 8 * i));
-    }
 }
 
 HFSCodes codesIn(const FinderInfo& info) {
@@ -39,12 +37,10 @@ HFSCodes codesIn(const FinderInfo& info) {
 int writeCodes(HFSCodes codes, const std::string& path) {
     FinderInfo info;
     bool present = false;
-    if (const int code = readFinderInfo(path, info, present)) {
+    if (const int code = readFinderInfo(path, info, present))
         return code;
-    }
-    if (codesIn(info) == codes) {
+    if (codesIn(info) == codes)
         return 0;
-    }
     putCode(codes.type, info, 0);
     putCode(codes.creator, info, 4);
     return errnoUnless(::lsetxattr(path.c_str(), kAttribute, info.data(), info.size(),
@@ -59,9 +55,8 @@ Result<HFSCodes> PosixFileManager::hfsCodesOfItemAtPath(const std::string& path)
         bool present = false;
         return readFinderInfo(at.pathForCall(), info, present);
     });
-    if (!status) {
+    if (!status)
         return status.error();
-    }
     return codesIn(info);
 }
 

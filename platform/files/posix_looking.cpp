@@ -23,18 +23,15 @@ bool isReachedWithoutLinks(const std::string& folder) {
 int checkWay(const std::string& path, size_t folderLength) {
     size_t begin = path.find_first_not_of('/', folderLength);
     size_t slash = path.find('/', begin);
-    if (slash == std::string::npos) {
+    if (slash == std::string::npos)
         return 0; // nothing in between
-    }
-    if (isReachedWithoutLinks(path.substr(0, path.rfind('/')))) {
+    if (isReachedWithoutLinks(path.substr(0, path.rfind('/'))))
         return 0;
-    }
     const std::string start = folderLength == 0 ? "/" : path.substr(0, folderLength);
     const Location at(start);
     FileDescriptor folder;
-    if (at.error() != 0) {
+    if (at.error() != 0)
         return at.error();
-    }
     folder = openAt(at.folder(), at.name(), O_PATH | O_DIRECTORY);
     while (folder.isOpen() && slash != std::string::npos) {
         const std::string name = path.substr(begin, slash - begin);
@@ -63,9 +60,8 @@ bool PosixFileManager::fileExistsAtPath(const std::string& path) {
 
 Result<FileType> PosixFileManager::typeOfItemAtPath(const std::string& path) {
     struct stat status = {};
-    if (const int code = statusAtPath(path, status, AT_SYMLINK_NOFOLLOW)) {
+    if (const int code = statusAtPath(path, status, AT_SYMLINK_NOFOLLOW))
         return Error::fromErrno(code, path, "look");
-    }
     return fileTypeOfMode(status.st_mode);
 }
 
@@ -84,24 +80,20 @@ Status PosixFileManager::enumerateAtPath(const std::string& path,
     TreeWalk walk;
     const Status opened = performAt(
         path, kOperation, [&](const Location& at) { return walk.open(at.folder(), at.name()); });
-    if (!opened) {
+    if (!opened)
         return opened;
-    }
     Status result;
     const auto note = [&](int code) {
-        if (code != 0 && result.ok()) {
+        if (code != 0 && result.ok())
             result = Error::fromErrno(code, pathInTree(path, walk.relativePath()), kOperation);
-        }
     };
     for (;;) {
         switch (walk.next()) {
         case TreeWalk::Step::entry:
-            if (!visitor(walk.relativePath(), walk.type())) {
+            if (!visitor(walk.relativePath(), walk.type()))
                 return result;
-            }
-            if (walk.type() == FileType::directory) {
+            if (walk.type() == FileType::directory)
                 note(walk.enter());
-            }
             break;
         case TreeWalk::Step::leaving:
         case TreeWalk::Step::left:

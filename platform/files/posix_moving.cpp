@@ -24,9 +24,8 @@ Status PosixFileManager::moveItemAtPath(const std::string& path, const std::stri
     const Location from(path);
     const Location to(toPath);
     int code = from.error() != 0 ? from.error() : to.error();
-    if (code == 0) {
+    if (code == 0)
         code = renameWithoutReplacing(from.folder(), from.name(), to.folder(), to.name());
-    }
     return code == 0 ? Status() : Error::fromErrno(code, path, "move to " + terminalPath(toPath));
 }
 

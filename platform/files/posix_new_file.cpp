@@ -24,9 +24,8 @@ PosixNewFile::PosixNewFile(const std::string& path, mode_t mode)
 int PosixNewFile::open() {
     _file = openUnnamedFile(_sibling, _mode);
     _isUnnamed = _file.isOpen();
-    if (_isUnnamed) {
+    if (_isUnnamed)
         return 0;
-    }
     // Not every file system has unnamed files. If it was something else that failed, it fails
     // again.
     return _scratch.make([&](int folder, const char* name) {
@@ -49,12 +48,10 @@ void PosixNewFile::write(Bytes& bytes) {
 }
 
 Status PosixNewFile::finishAtPath(const std::string& path) {
-    if (_code == 0 && !std::exchange(_isComplete, true)) {
+    if (_code == 0 && !std::exchange(_isComplete, true))
         _code = complete();
-    }
-    if (_code != 0) {
+    if (_code != 0)
         return Error::fromErrno(_code, path, "create");
-    }
     return performAt(path, "create", [&](const Location& name) {
         const int code = takeName(name);
         return code != 0 ? code : keepName(name);
@@ -69,12 +66,10 @@ int PosixNewFile::complete() {
 int PosixNewFile::takeName(const Location& name) {
     if (_isUnnamed) {
         const int code = nameUnnamedFile(_file.get(), name);
-        if (code == 0 || code == EEXIST) {
+        if (code == 0 || code == EEXIST)
             return code;
-        }
-        if (const int copyCode = makeScratchCopy()) {
+        if (const int copyCode = makeScratchCopy())
             return copyCode;
-        }
         _isUnnamed = false;
     }
     return _scratch.takeName(name);
@@ -83,9 +78,8 @@ int PosixNewFile::takeName(const Location& name) {
 /// For a process that may not name an unnamed file.
 int PosixNewFile::makeScratchCopy() {
     return makeScratchFile(_scratch, _mode, [&](int copy) {
-        if (::lseek(_file.get(), 0, SEEK_SET) != 0) {
+        if (::lseek(_file.get(), 0, SEEK_SET) != 0)
             return errno;
-        }
         const int copyCode = copyBytes(_file.get(), copy, _size);
         return copyCode != 0 ? copyCode : sync(copy);
     });

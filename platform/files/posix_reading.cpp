@@ -10,9 +10,8 @@ namespace zelmora::platform {
 namespace {
 
 int checkRegular(const struct stat& status) {
-    if (S_ISREG(status.st_mode)) {
+    if (S_ISREG(status.st_mode))
         return 0;
-    }
     return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
 }
 
@@ -101,17 +100,14 @@ Status readAll(const ReadableFile& file, std::span<std::byte> bytes) {
 } // namespace
 
 int openRegularFile(const Location& at, int flags, FileDescriptor& file, struct stat& status) {
-    if (const int code = at.status(status, 0)) {
+    if (const int code = at.status(status, 0))
         return code;
-    }
-    if (const int code = checkRegular(status)) {
+    if (const int code = checkRegular(status))
         return code;
-    }
     // O_NONBLOCK: what has the name may have become a FIFO since.
     file = openAt(at.folder(), at.name(), flags | O_NONBLOCK | O_NOCTTY);
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
         return errno;
-    }
     return checkRegular(status);
 }
 

@@ -28,14 +28,12 @@ int followLinks(std::string& path) {
     constexpr int kMostLinks = 40; // as many as the kernel follows
     for (int i = 0; i < kMostLinks; ++i) {
         const Location at(path);
-        if (at.error() != 0) {
+        if (at.error() != 0)
             return at.error();
-        }
         std::array<char, PATH_MAX> target = {};
         const auto length = ::readlinkat(at.folder(), at.name(), target.data(), target.size());
-        if (length < 0) {
+        if (length < 0)
             return errno == EINVAL || errno == ENOENT ? 0 : errno;
-        }
         const std::string_view link(target.data(), static_cast<size_t>(length));
         path = link.starts_with('/')
                    ? std::string(link)
@@ -47,23 +45,19 @@ int followLinks(std::string& path) {
 int replaceFile(const Location& at, ByteView contents) {
     struct stat old = {};
     const int lookCode = at.status(old, AT_SYMLINK_NOFOLLOW);
-    if (lookCode != 0 && lookCode != ENOENT) {
+    if (lookCode != 0 && lookCode != ENOENT)
         return lookCode;
-    }
     const bool exists = lookCode == 0;
-    if (exists && !S_ISREG(old.st_mode)) {
+    if (exists && !S_ISREG(old.st_mode))
         return S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
-    }
     ScratchItem scratch(at);
     const auto fill = [&](int file) {
         if (exists) {
             // Settings saved by the superuser stay the user's; nobody else may give files away.
-            if (::fchown(file, old.st_uid, old.st_gid) != 0 && errno != EPERM) {
+            if (::fchown(file, old.st_uid, old.st_gid) != 0 && errno != EPERM)
                 return errno;
-            }
-            if (::fchmod(file, old.st_mode & kAllPermissions) != 0) {
+            if (::fchmod(file, old.st_mode & kAllPermissions) != 0)
                 return errno;
-            }
         }
         return writer(contents)(file);
     };
@@ -75,14 +69,12 @@ int replaceFile(const Location& at, ByteView contents) {
 int appendToFile(const Location& at, ByteView contents) {
     FileDescriptor file;
     struct stat status = {};
-    if (const int code = openRegularFile(at, O_WRONLY | O_APPEND, file, status)) {
+    if (const int code = openRegularFile(at, O_WRONLY | O_APPEND, file, status))
         return code;
-    }
     const auto written =
         resumed([&] { return ::write(file.get(), contents.data(), contents.size()); });
-    if (written < 0) {
+    if (written < 0)
         return errno;
-    }
     // The rest would have to follow in a second append, perhaps behind another one's line.
     return static_cast<size_t>(written) < contents.size() ? ENOSPC : file.close();
 }
@@ -90,13 +82,11 @@ int appendToFile(const Location& at, ByteView contents) {
 /// Makes one folder; whatever is in the way of that is fine as long as there is one.
 int makeFolder(const std::string& path) {
     const Location at(path);
-    if (at.error() != 0) {
+    if (at.error() != 0)
         return at.error();
-    }
     const int code = errnoUnless(::mkdirat(at.folder(), at.name(), kNewFolderMode));
-    if (code == 0) {
+    if (code == 0)
         return at.syncParent();
-    }
     struct stat status = {};
     return at.status(status, 0) == 0 && S_ISDIR(status.st_mode) ? 0 : code;
 }
@@ -115,9 +105,8 @@ std::unique_ptr<NewFile> PosixFileManager::newFileBesidePath(const std::string& 
 
 Status PosixFileManager::replaceFileAtPath(const std::string& path, ByteView contents) {
     std::string file = path;
-    if (const int code = followLinks(file)) {
+    if (const int code = followLinks(file))
         return Error::fromErrno(code, path, "replace");
-    }
     return performAt(file, "replace",
                      [&](const Location& at) { return replaceFile(at, contents); });
 }
@@ -135,9 +124,8 @@ Status PosixFileManager::createDirectoryAtPath(const std::string& path) {
     int code = makeFolder(folder);
     while (code == ENOENT) {
         std::string parent = deletingLastPathComponent(folder);
-        if (parent.empty() || parent == folder) {
+        if (parent.empty() || parent == folder)
             break;
-        }
         missing.push_back(std::exchange(folder, std::move(parent)));
         code = makeFolder(folder);
     }

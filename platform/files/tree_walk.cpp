@@ -50,13 +50,11 @@ int TreeWalk::enter() {
 }
 
 int TreeWalk::descend(FileDescriptor folder) {
-    if (!folder.isOpen()) {
+    if (!folder.isOpen())
         return errno;
-    }
     Listing listing;
-    if (const int code = readEntries(folder.get(), listing.entries)) {
+    if (const int code = readEntries(folder.get(), listing.entries))
         return code;
-    }
     listing.pathLength = _relativePath.size();
     _listings.push_back(std::move(listing));
     _folders.push(std::move(folder));
@@ -68,9 +66,8 @@ int TreeWalk::readEntries(int folder, std::string& entries) {
     for (;;) {
         const auto count =
             resumed([&] { return ::getdents64(folder, _buffer.data(), _buffer.size()); });
-        if (count <= 0) {
+        if (count <= 0)
             return count == 0 ? 0 : errno;
-        }
         for (size_t offset = 0; offset < static_cast<size_t>(count);) {
             const auto* record = reinterpret_cast<const dirent64*>(_buffer.data() + offset);
             offset += record->d_reclen;
@@ -84,18 +81,16 @@ int TreeWalk::readEntries(int folder, std::string& entries) {
 }
 
 TreeWalk::Step TreeWalk::next() {
-    if (_leaving) {
+    if (_leaving)
         return goUp();
-    }
     Listing& listing = _listings.back();
     _relativePath.resize(listing.pathLength);
     if (listing.position == listing.entries.size()) {
         _leaving = true;
         return Step::leaving;
     }
-    if (listing.pathLength != 0) {
+    if (listing.pathLength != 0)
         _relativePath += '/';
-    }
     _nameStart = _relativePath.size();
     const char kind = listing.entries[listing.position];
     const std::string_view entry = listing.entries.c_str() + listing.position + 1;
@@ -109,38 +104,32 @@ TreeWalk::Step TreeWalk::goUp() {
     _leaving = false;
     _listings.pop_back();
     _error = _folders.pop();
-    if (_listings.empty()) {
+    if (_listings.empty())
         return Step::end;
-    }
     _nameStart = _relativePath.rfind('/') + 1; // npos + 1 is 0
     return _error == 0 ? Step::left : Step::failed;
 }
 
 int removeTree(int in, const char* name, bool unlocking, std::string* failedAt) {
-    if (::unlinkat(in, name, 0) == 0) {
+    if (::unlinkat(in, name, 0) == 0)
         return 0;
-    }
-    if (errno != EISDIR) {
+    if (errno != EISDIR)
         return errno;
-    }
     const auto unlock = [unlocking](int folder, const char* item) {
-        if (unlocking) {
+        if (unlocking)
             ::fchmodat(folder, item, S_IRWXU, 0);
-        }
     };
     TreeWalk walk;
     unlock(in, name);
-    if (const int code = walk.open(in, name)) {
+    if (const int code = walk.open(in, name))
         return code;
-    }
     int firstCode = 0;
     const auto note = [&](int code) {
         // What somebody else deleted first is deleted.
         if (code != 0 && code != ENOENT && firstCode == 0) {
             firstCode = code;
-            if (failedAt != nullptr) {
+            if (failedAt != nullptr)
                 *failedAt = walk.relativePath();
-            }
         }
     };
     for (;;) {
@@ -150,9 +139,8 @@ int removeTree(int in, const char* name, bool unlocking, std::string* failedAt) 
                 unlock(walk.folder(), walk.name());
                 const int code = walk.enter();
                 // One that cannot be read goes all the same if it is empty.
-                if (code != 0 && ::unlinkat(walk.folder(), walk.name(), AT_REMOVEDIR) != 0) {
+                if (code != 0 && ::unlinkat(walk.folder(), walk.name(), AT_REMOVEDIR) != 0)
                     note(code);
-                }
             } else {
                 note(errnoUnless(::unlinkat(walk.folder(), walk.name(), 0)));
             }
