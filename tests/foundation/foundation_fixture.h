@@ -26,30 +26,20 @@ inline const std::string unbalancedLine = "The temporary objects pool is not bal
                                           "(OrvTemporaryObjectsPoolCreate and OrvRelease).";
 inline const std::string uninitialisedLine = "OrvFoundation is not initialized.";
 
-/// The lines that `work` writes to the standard output, as they stand.
+/// The lines that `work` writes to the standard output, without their prefixes where they have one.
 template<typename Work>
-Lines rawLinesOf(Work&& work) {
+Lines linesOf(Work&& work) {
     testing::internal::CaptureStdout();
     work();
     std::fflush(stdout);
     std::istringstream output(testing::internal::GetCapturedStdout());
     Lines lines;
-    for (std::string line; std::getline(output, line);)
-        lines.push_back(line);
-    return lines;
-}
-
-/// The lines that `work` writes, without their prefixes where they have one.
-template<typename Work>
-Lines linesOf(Work&& work) {
-    Lines lines = rawLinesOf(std::forward<Work>(work));
-    for (std::string& line : lines) {
+    for (std::string line; std::getline(output, line);) {
         std::string shape = line.substr(0, line.find("] ") + 1);
         std::ranges::replace_if(
             shape, [](char c) { return c >= '0' && c <= '9'; }, '0');
         shape.erase(std::ranges::unique(shape).begin(), shape.end());
-        if (shape == "0/0/0 0:0:0[0]")
-            line.erase(0, line.find("] ") + 2);
+        lines.push_back(shape == "0/0/0 0:0:0[0]" ? line.substr(line.find("] ") + 2) : line);
     }
     return lines;
 }

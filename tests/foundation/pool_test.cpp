@@ -1,4 +1,4 @@
-// Reference counts, pools, the registry and the library's life.
+// Reference counts, pools and the library's life.
 #include "foundation_fixture.h"
 
 #include "platform/events/run_loop.h"
@@ -23,7 +23,7 @@ class ManualRunLoop final : public platform::RunLoop {
 
 } // namespace
 
-TEST_F(ObjectTest, CountsReferencesFromOneAndComparesByAddress) {
+TEST_F(ObjectTest, CountsReferencesFromOne) {
     const int64_t before = OrvLiveObjectCount();
     OrvIBase* object = OrvArrayCreate(0);
     EXPECT_EQ(OrvGetRetainCount(object), 1U);
@@ -36,25 +36,6 @@ TEST_F(ObjectTest, CountsReferencesFromOneAndComparesByAddress) {
     OrvRelease(nullptr);
     EXPECT_EQ(OrvRetain(nullptr), nullptr);
     EXPECT_EQ(OrvGetRetainCount(nullptr), 0U);
-
-    const Owned one = makeText(L"same"), other = makeText(L"same");
-    const auto [low, high] = std::minmax({one.get(), other.get()});
-    EXPECT_EQ(OrvCompare(low, low), 0);
-    EXPECT_EQ(OrvCompare(low, high), -1);
-    EXPECT_EQ(OrvCompare(high, low), 1);
-}
-
-TEST_F(ObjectTest, RegistryRetainsAndReplaces) {
-    const Owned first = makeText(L"1");
-    const Owned second = makeText(L"2");
-    OrvRegisterSharedObject(first.get(), L"key");
-    EXPECT_EQ(OrvGetSharedObject(L"key"), first.get());
-    EXPECT_EQ(OrvGetRetainCount(first.get()), 2U);
-    OrvRegisterSharedObject(second.get(), L"key");
-    EXPECT_EQ(OrvGetSharedObject(L"key"), second.get());
-    EXPECT_EQ(OrvGetRetainCount(first.get()), 1U);
-    EXPECT_EQ(OrvGetTypeID(OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null")), 18U);
-    EXPECT_EQ(OrvGetSharedObject(L"other"), nullptr);
 }
 
 TEST_F(ObjectTest, PoolsReleaseOnlyTheirOwnAndShareLiterals) {
@@ -66,7 +47,6 @@ TEST_F(ObjectTest, PoolsReleaseOnlyTheirOwnAndShareLiterals) {
     {
         const Owned inner(OrvTemporaryObjectsPoolCreate());
         EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), inner.get());
-        EXPECT_EQ(OrvGetTypeID(inner.get()), 28U);
         EXPECT_NE(OrvTemporaryString(L"literal"), literal);
         OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
         EXPECT_EQ(OrvLiveObjectCount(), before + 5);
@@ -79,17 +59,10 @@ TEST_F(ObjectTest, PoolsReleaseOnlyTheirOwnAndShareLiterals) {
 }
 
 TEST_F(ObjectTest, ATemporaryTakesTheMutexOnce) {
-    const std::function<void()> makers[] = {
-        [] { OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty()); },
-        [] { (void)OrvTemporaryString(L"new literal"); },
-        [] { (void)OrvTemporaryString(L"new literal"); }, // known by now
-        [] { (void)OrvTemporaryStringWithNSString(u"text"); },
-        [] { (void)OrvLineBreakString(1); },
-    };
-    for (const auto& make : makers) {
+    for (int time = 0; time < 2; ++time) { // the literal is new, then known
         const uint64_t before = OrvPoolLockCount();
-        make();
-        EXPECT_EQ(OrvPoolLockCount(), before + 1) << "maker " << &make - makers;
+        (void)OrvTemporaryString(L"literal");
+        EXPECT_EQ(OrvPoolLockCount(), before + 1) << time;
     }
 }
 
@@ -110,11 +83,6 @@ TEST_F(ObjectTest, UnbalancedPoolReleasesNothingAndIsForgotten) {
     OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
     OrvRelease(object);
     OrvRelease(constant);
-
-    OrvIBase* pool = OrvTemporaryObjectsPoolCreate(); // released on another thread
-    EXPECT_EQ(linesOf([&] { std::thread([&] { OrvRelease(pool); }).join(); }),
-              Lines{unbalancedLine});
-    EXPECT_NE(OrvGetCurrentTemporaryObjectsPool(), pool);
 }
 
 TEST_F(ObjectTest, ThreadWithoutPoolKeepsItsObjects) {
@@ -157,27 +125,18 @@ TEST_F(ObjectTest, ThreadsUseTheirPoolsSideBySide) {
 }
 
 TEST(LibraryTest, InitialisationNests) {
-    const Lines tooEarly = linesOf([] {
-        EXPECT_EQ(OrvGetSharedObject(L"key"), nullptr);
-        OrvRegisterSharedObject(nullptr, L"key");
-        EXPECT_EQ(OrvMIMECharSetName(4, 0), nullptr);
-    });
-    EXPECT_EQ(tooEarly, (Lines{uninitialisedLine, uninitialisedLine, uninitialisedLine}));
-
     EXPECT_EQ(OrvFoundationInitialize(), 0);
     const OrvIBase* pool = OrvGetCurrentTemporaryObjectsPool();
-    const OrvIBase* null = OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null");
     EXPECT_EQ(OrvFoundationInitialize(), 0);
     EXPECT_EQ(OrvFoundationTerminate(), 0);
     EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), pool);
-    EXPECT_EQ(OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null"), null);
     EXPECT_EQ(OrvFoundationTerminate(), 0);
     EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), nullptr);
     EXPECT_EQ(linesOf([] { (void)OrvGetSharedObject(L"key"); }), Lines{uninitialisedLine});
     EXPECT_EQ(OrvLiveObjectCount(), 0);
 }
 
-TEST(LibraryTest, RunLoopDrainsTheInnermostPoolUntilTermination) {
+TEST(LibraryTest, RunLoopDrainsTheInnermostPool) {
     using Activity = platform::RunLoop::Activity;
     ManualRunLoop loop;
     OrvFoundationInitialize();
@@ -192,11 +151,6 @@ TEST(LibraryTest, RunLoopDrainsTheInnermostPoolUntilTermination) {
         EXPECT_EQ(OrvGetRetainCount(OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null")), 1U);
     }
     OrvFoundationTerminate();
-
-    const Owned pool(OrvTemporaryObjectsPoolCreate());
-    OrvTemporaryObjectsPoolAddObject(OrvStringCreateEmpty());
-    loop.notify(Activity::beforeWaiting);
-    EXPECT_EQ(OrvLiveObjectCount(), 2) << "the pool and its string";
 }
 
 } // namespace zelmora::test
