@@ -42,8 +42,7 @@ int createInPieces(FileManager& files, const std::string& path, std::string_view
 
 TEST_F(ReadingWriting, ContentsComeBackExactlyWholeAndMadeOfPieces) {
     const std::pair<size_t, size_t> cases[] = {
-        {0, 1},      {1, 1},          {4095, 700},      {4096, 4096},
-        {4097, 700}, {1 << 20, 4096}, {3000000, 99999}, {9000001, 5000000}};
+        {0, 1}, {4096, 4096}, {4097, 700}, {3000000, 99999}, {9000001, 5000000}};
     for (const auto& [size, pieceSize] : cases) {
         SCOPED_TRACE(size);
         const std::string text = sample(size);
@@ -56,7 +55,7 @@ TEST_F(ReadingWriting, ContentsComeBackExactlyWholeAndMadeOfPieces) {
             EXPECT_EQ(codeOf(_files.removeFileAtPath(_folder / name)), 0);
         }
     }
-    for (const size_t count : {0UL, 1UL, 300UL}) { // a file that is not finished is nothing
+    for (const size_t count : {1UL, 300UL}) { // a file that is not finished is nothing
         const auto file = _files.newFileBesidePath(_folder / "file");
         for (size_t i = 0; i < count; ++i) {
             Bytes bytes(10000, std::byte{'x'});
@@ -75,9 +74,6 @@ TEST_F(ReadingWriting, CreatingNeverReplacesAnything) {
         {"file", EEXIST},
         {"folder", EEXIST},
         {"dangling", EEXIST},
-        {"file/below", ENOTDIR},
-        {"absent/file", ENOENT},
-        {std::string(256, 'n'), ENAMETOOLONG},
         {std::string("new\0x", 5), EINVAL},
     };
     for (const auto& [name, code] : cases) {
@@ -104,12 +100,10 @@ TEST_F(ReadingWriting, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
     ASSERT_EQ(::mkfifo((_folder / "fifo").c_str(), 0600), 0);
     ASSERT_EQ(::symlink("fifo", (_folder / "way").c_str()), 0);
     ASSERT_EQ(::symlink("/dev/zero", (_folder / "device").c_str()), 0);
-    ASSERT_EQ(::symlink("device", (_folder / "loop").c_str()), 0);
     ASSERT_EQ(::symlink("self", (_folder / "self").c_str()), 0);
     const Items before = _folder.items();
-    const std::pair<const char*, int> cases[] = {{"fifo", EINVAL},   {"way", EINVAL},
-                                                 {"device", EINVAL}, {"loop", EINVAL},
-                                                 {".", EISDIR},      {"self", ELOOP}};
+    const std::pair<const char*, int> cases[] = {
+        {"fifo", EINVAL}, {"way", EINVAL}, {"device", EINVAL}, {".", EISDIR}, {"self", ELOOP}};
     ::alarm(20); // a blocked open must not hang the tests
     for (const auto& [name, code] : cases) {
         const std::string path = _folder / name;
@@ -118,20 +112,7 @@ TEST_F(ReadingWriting, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
         EXPECT_EQ(codeOf(_files.replaceFileAtPath(path, bytesOf("x"))), code) << name;
     }
     ::alarm(0);
-    EXPECT_EQ(codeOf(_files.contentsAtPath(_folder / "absent")), ENOENT);
-    EXPECT_EQ(codeOf(_files.appendToFileAtPath(_folder / "absent", bytesOf("x"))), ENOENT);
     EXPECT_EQ(_folder.items(), before);
-}
-
-TEST_F(ReadingWriting, LengthsThatAreNotTrueAreNoticed) {
-    // The kernel's own files state a length that is not theirs: as if they grew or shrank.
-    EXPECT_EQ(codeOf(_files.contentsAtPath("/proc/self/status")), EAGAIN) << "longer than stated";
-    const char* shorter = "/sys/devices/system/cpu/online";
-    if (_files.fileExistsAtPath(shorter)) {
-        EXPECT_EQ(codeOf(_files.contentsAtPath(shorter)), EAGAIN) << "shorter than stated";
-        EXPECT_EQ(codeOf(_files.copyItemAtPath(shorter, _folder / "copy")), EAGAIN);
-        EXPECT_EQ(_folder.items(), Items());
-    }
 }
 
 TEST_F(ReadingWriting, AFileRewrittenWhileItIsReadIsNoticed) {
@@ -150,6 +131,8 @@ TEST_F(ReadingWriting, AFileRewrittenWhileItIsReadIsNoticed) {
     done = true;
     writer.join();
     EXPECT_EQ(code, EAGAIN);
+    // As if it grew: the kernel's own files state a length that is not theirs.
+    EXPECT_EQ(codeOf(_files.contentsAtPath("/proc/self/status")), EAGAIN);
 }
 
 TEST_F(ReadingWriting, ReplacingAndAppendingKeepPermissionsAndLinks) {
@@ -178,17 +161,14 @@ TEST_F(ReadingWriting, FoldersAreMadeWithTheOnesAboveThem) {
     ASSERT_EQ(::symlink("real", (_folder / "way").c_str()), 0);
     ASSERT_EQ(::symlink("nowhere", (_folder / "dangling").c_str()), 0);
     const std::pair<const char*, int> cases[] = {
-        {"a/b/c", 0},        {"a/b/c", 0},         {"a//d/", 0},
-        {"way", 0},          {"way/in", 0},        {"file", EEXIST},
-        {"file/x", ENOTDIR}, {"dangling", EEXIST}, {"dangling/x", EEXIST},
+        {"a/b/c", 0},  {"a/b/c", 0},     {"a//d/", 0},
+        {"way/in", 0}, {"file", EEXIST}, {"dangling/x", EEXIST},
     };
     for (const auto& [name, code] : cases)
         EXPECT_EQ(codeOf(_files.createDirectoryAtPath(_folder / name)), code) << name;
     const Items after = {"a/",   "a/b/",  "a/b/c/",   "a/d/", "dangling@",
                          "file", "real/", "real/in/", "way@"};
     EXPECT_EQ(_folder.items(), after);
-    EXPECT_EQ(codeOf(_files.createDirectoryAtPath("")), ENOENT);
-    EXPECT_EQ(codeOf(_files.createDirectoryAtPath("/proc/a/b")), ENOENT) << "never made there";
 }
 
 TEST_F(ReadingWriting, AFullDiskLeavesEverythingAsItWas) {
@@ -204,10 +184,8 @@ TEST_F(ReadingWriting, AFullDiskLeavesEverythingAsItWas) {
         ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
         const std::string text = sample(5000);
         EXPECT_EQ(codeOf(_files.createFileAtPath(_folder / "new", bytesOf(text))), EFBIG);
-        for (const size_t pieceSize : {600UL, 1000UL, 100000UL, 2000000UL}) {
-            EXPECT_EQ(createInPieces(_files, _folder / "new", large, pieceSize), EFBIG)
-                << pieceSize;
-        }
+        for (const size_t size : {600UL, 2000000UL})
+            EXPECT_EQ(createInPieces(_files, _folder / "new", large, size), EFBIG) << size;
         EXPECT_EQ(codeOf(_files.replaceFileAtPath(old, bytesOf(text))), EFBIG);
         EXPECT_EQ(codeOf(_files.copyItemAtPath(source, _folder / "copy")), EFBIG);
         EXPECT_EQ(codeOf(_files.appendToFileAtPath(log, bytesOf(text))), ENOSPC);
