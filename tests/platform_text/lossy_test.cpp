@@ -26,7 +26,6 @@ TEST(LossyEncoding, altersWhatTheEncodingLacks) {
          u"\uFF5E\u2225\uFF0D\u2015\uFFE0\uFFE1\uFFE2\uFFE4\uFFE5\uFFE3"},
         {eucJP, u"\uFF5E\u2225\uFF0D\u2014\uFFE0\uFFE1\uFFE2\u00A5\u203E",
          u"\u301C\u2016\u2212\u2015\u00A2\u00A3\u00AC\uFFE5\uFFE3"},
-        {macJapanese, u"\uFF5E\u2225\u2015\uFFE0", u"\u301C\u2016\u2014\u00A2"},
         // Half-width katakana stay what they are, where there are katakana.
         {iso2022JP, u"\uFF8A\uFF9F\uFF9E", u"\uFF8A\uFF9F\uFF9E"},
         {macOSRoman, u"a\uFF8A\uFF9Fb\uFF9E", u"a??b?"},
@@ -34,21 +33,16 @@ TEST(LossyEncoding, altersWhatTheEncodingLacks) {
         {eucJP, u"\u304B\u3099\u30CF\u309A", u"\u304C\u30D1"},
         {macOSRoman, u"\u03B1\u0301=\u0338", u"?\u2260"},
         {codePage932, u"cafe\u0301 o\u0302\u0301", u"cafe o"},
-        {codePage932, u"\u3042\u3099k\u0301\u0301", u"\u3042\u309Bk"},
         {codePage932, u"\u3099a", u"\u309Ba"},
         {codePage932, u"\u0301\u0301a", u"?a"},
         {eucJP, u"\u845B\xDB40\xDD00\u57CE", u"\u845B\u57CE"}, // a variation selector
         // Decompositions, base letters, and what has neither.
         {codePage932, u"\u00BD\uFB01\u2075\u3300\u00A9", u"1/2fi5\u30A2\u30D1\u30FC\u30C8?"},
-        {macOSRoman, u"\uFF21\u3000\u2460\u3231", u"A 1?"},
-        {eucJP, u"\uFA19\u00A0", u"\uFA19 "},
-        {codePage932, u"\uF907\u2126\u3094", u"\u9F9C\u03A9\u3046\u309B"},
         {codePage932, u"\u00E9\u1EC7\u01ED\u00AF\u00BC\u2474\u01C6", u"eeo?1/4(1)?"},
         {eucJP, u"a\U0001F600\U0001D400", u"a?A"},
         // Lone surrogates, escapes, and sequences.
         {eucJP, u"\xD800\u3042\xDC00", u"?\u3042?"},
         {utf8, u"\xD800\u3042\xDC00\xD83D\xDE00", u"?\u3042?\xD83D\xDE00"},
-        {utf16BE, u"a\xDC00", u"a?"},
         {iso2022JP, u"\u3042\x1B[m\u3042", u"\u3042?[m\u3042"},
         {macJapanese, u"\u2026\uF87F\uF862XII", u"\u2026\uF87F?XII"},
     };
@@ -93,10 +87,7 @@ TEST(LossyEncoding, tellsWhatItAltered) {
     } cases[] = {
         {eucJP, u"\u3042\uFF5E\u3042\u00BD\uFB01", "1 FF5E \u301C, 3 BD 1/2, 4 FB01 fi, "},
         {codePage932, u"a\xD83D\xDE00\u00E9?\xD83D\xDE00", "1 1F600 ?, 3 E9 e, 5 1F600 ?, "},
-        {eucJP, u"\u304B\u3099\u845B\xDB40\xDD00", "3 E0100 , "},
         {codePage932, u"k\u0301\u0301\u304B\u3099", "0 1E31 k, 2 301 , "},
-        {codePage932, u"\u3042\u3099", "1 3099 \u309B, "},
-        {utf8, u"\xD800\u3042\xDC00", "0 D800 ?, 2 DC00 ?, "},
     };
     for (const auto& [encoding, text, expected] : cases) {
         Alterations alterations;

