@@ -63,16 +63,9 @@ TEST_F(SavedSettingsTest, DamagedFileIsReportedAndNeverReplaced) {
     const std::pair<std::string, std::string> cases[] = {
         // the message names the key
         {"no property list", ""},
-        {"", ""},
         {"<plist><array/></plist>", ""},
         {dictionary("<key>flag</key><integer>1</integer>" + kSeven), "flag"},
-        {dictionary("<key>flag</key><string>YES</string>" + kSeven), "flag"},
-        {dictionary("<key>path</key><true/>" + kSeven), "path"},
         {dictionary("<key>list</key><array><string>txt</string></array>" + kSeven), "list"},
-        {dictionary(
-             "<key>list</key><array><dict><key>name</key><string>txt</string></dict></array>" +
-             kSeven),
-         "list"},
     };
     for (const auto& [file, key] : cases) {
         SCOPED_TRACE(file);
@@ -114,10 +107,8 @@ TEST_F(SavedSettingsTest, FileDamagedSinceLoadIsNotReplaced) {
 TEST_F(SavedSettingsTest, OnlyWhatCanBeLoadedAgainIsSaved) {
     const std::tuple<std::string_view, PropertyListValue, bool> cases[] = {
         {"code", "4", false},
-        {"unknown", "/\xFF", false},
         {"list", PropertyListArray{"txt"}, false},
         {"path", "/\x82\xA0", true},
-        {"path", "/\x1B", true},
         {"path", "", true}};
     for (const auto& [key, value, isSaved] : cases) {
         SCOPED_TRACE(Message() << key << (isSaved ? " saved" : " refused"));
