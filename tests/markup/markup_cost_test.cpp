@@ -6,7 +6,6 @@
 
 #include <cstdlib>
 #include <new>
-#include <string>
 
 namespace {
 std::size_t allocationCount = 0;
@@ -59,10 +58,8 @@ TEST(MarkupCost, HostileTextsTakeLinearTime) {
     const struct {
         std::string_view front, piece;
     } cases[] = {
-        {"", "<"},          {"", ">"},         {"", "\""},      {"", "<!--"},
-        {"<p a=\"", "<b "}, {"<p a=\"", "x "}, {"", "<\""},     {"", "<>"},
-        {"", "< \t"},       {"", "<p>"},       {"", "<meta >"}, {"<meta ", "/\"\""},
-        {"<meta ", "a "},   {"<meta ", " a"},  {"<", "meta"},   {"<meta a=\"", ">"},
+        {"", "<"},   {"", "\""},      {"", "<!--"},        {"<p a=\"", "<b "}, {"", "<\""},
+        {"", "<p>"}, {"", "<meta >"}, {"<meta ", "/\"\""}, {"<meta ", "a "},   {"<", "meta"},
     };
     constexpr std::size_t kLength = 3'000'000;
     for (const auto& c : cases) {

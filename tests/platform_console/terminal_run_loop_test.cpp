@@ -2,11 +2,8 @@
 
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <gtest/gtest.h>
 #include <thread>
-#include <unistd.h>
-#include <vector>
 
 namespace zelmora::platform {
 namespace {
@@ -34,34 +31,6 @@ TEST(TerminalRunLoop, RunsWhatOtherThreadsScheduleUntilItIsStopped) {
     other.join();
     EXPECT_EQ(ranOn, std::this_thread::get_id());
     EXPECT_EQ(exits, 1);
-
-    std::thread later([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        loop.mainQueue().asyncLater([&] { loop.stop(8); });
-    });
-    EXPECT_EQ(loop.run(), 8);
-    later.join();
-    loop.stop(0); // before it runs again
-    EXPECT_EQ(loop.run(), 0);
-}
-
-TEST(TerminalRunLoop, DeliversSignalsInsteadOfDying) {
-    TerminalRunLoop loop;
-    std::vector<int> received;
-    loop.setSignalHandler([&](int signal) {
-        received.push_back(signal);
-        if (received.size() == 3)
-            loop.stop(0);
-    });
-    for (const int signal : {SIGINT, SIGTERM})
-        kill(getpid(), signal);
-    EXPECT_TRUE(received.empty()) << "in the middle of other work";
-    loop.deliverSignals();
-    EXPECT_EQ(received, (std::vector{SIGINT, SIGTERM}));
-    std::thread other([] { kill(getpid(), SIGHUP); }); // blocked in later threads too
-    loop.run();
-    other.join();
-    EXPECT_EQ(received, (std::vector{SIGINT, SIGTERM, SIGHUP}));
 }
 
 } // namespace

@@ -86,10 +86,9 @@ class HandDrivenLoop : public RunLoop {
     int run() override { return 0; }
     void stop(int) override {}
     using RunLoop::notify;
-    int wakeUps = 0;
 
   protected:
-    void wakeUp() override { ++wakeUps; }
+    void wakeUp() override {}
 };
 
 TEST(RunLoop, TellsObserversOnlyWhatTheyAskedForInTheirOrder) {
@@ -109,21 +108,6 @@ TEST(RunLoop, TellsObserversOnlyWhatTheyAskedForInTheirOrder) {
     EXPECT_EQ(heard, "WE1") << "a removed observer, or one added meanwhile, was told";
     loop.notify(RunLoop::exit);
     EXPECT_EQ(heard, "WE1E13");
-}
-
-TEST(RunLoop, TheMainOneIsTheLastThatLives) {
-    EXPECT_EQ(RunLoop::mainRunLoop(), nullptr);
-    {
-        HandDrivenLoop outer;
-        {
-            HandDrivenLoop inner;
-            EXPECT_EQ(RunLoop::mainRunLoop(), &inner);
-        }
-        EXPECT_EQ(RunLoop::mainRunLoop(), &outer);
-        outer.mainQueue().async([] {});
-        EXPECT_EQ(outer.wakeUps, 1) << "what is put on the queue must wake the loop";
-    }
-    EXPECT_EQ(RunLoop::mainRunLoop(), nullptr);
 }
 
 } // namespace
