@@ -1,18 +1,14 @@
 // What every test of the file manager starts with, and how to run part of one in a process of its
-// own, where it may give up rights or be killed.
+// own, where it may meet limits.
 #pragma once
 
 #include "platform/files/file_manager.h"
+#include "tests/support/system_calls.h"
 #include "tests/support/temporary_directory.h"
 
 #include <cerrno>
-#include <cstddef>
-#include <cstdint>
 #include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <string>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -54,34 +50,27 @@ bool passesInChild(Body body) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-/// A system call that the kernel is to refuse, if this argument has one of these bits.
-struct RefusedCall {
-    long number;
-    unsigned argument;
-    uint32_t bits;
-    int code;
-};
-
-/// Makes the kernel refuse `calls` to this process, for good; as a file system would that does
-/// not know them.
-inline void refuseCalls(const std::vector<RefusedCall>& calls) {
-    std::vector<sock_filter> program;
-    const auto load = [&](size_t offset) {
-        program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<uint32_t>(offset)));
+/// Refuses calls as a file system would that does not know them, for as long as it lives.
+class RefusedCalls final : test::SystemCallObserver {
+  public:
+    struct Call {
+        std::string_view function;
+        int flags; ///< one of these, or 0
+        int code;
     };
-    for (const RefusedCall& call : calls) {
-        load(offsetof(seccomp_data, nr));
-        program.push_back(
-            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<uint32_t>(call.number), 0, 3));
-        load(offsetof(seccomp_data, args) + call.argument * sizeof(uint64_t));
-        program.push_back(BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, call.bits, 0, 1));
-        program.push_back(
-            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<uint32_t>(call.code)));
+
+    explicit RefusedCalls(std::vector<Call> calls) : _calls(std::move(calls)) {}
+
+  private:
+    int before(test::SystemCall& call) override {
+        for (const auto& [function, flags, code] : _calls)
+            if (call.function == function && (flags == 0 || (call.flags & flags) != 0))
+                return code;
+        return 0;
     }
-    program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
-    const sock_fprog filter = {static_cast<unsigned short>(program.size()), program.data()};
-    ASSERT_EQ(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
-    ASSERT_EQ(::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter), 0);
-}
+
+    const std::vector<Call> _calls;
+    const test::ObservedSystemCalls _observed{*this};
+};
 
 } // namespace zelmora::platform

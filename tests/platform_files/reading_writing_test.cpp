@@ -65,25 +65,6 @@ TEST_F(ReadingWriting, ContentsComeBackExactlyWholeAndMadeOfPieces) {
     EXPECT_EQ(_folder.items(), Items());
 }
 
-TEST_F(ReadingWriting, CreatingNeverReplacesAnything) {
-    const std::string file = _folder.writeFile("file", "old");
-    _folder.writeFile("folder/inner", "old");
-    ASSERT_EQ(::symlink("nowhere", (_folder / "dangling").c_str()), 0);
-    const Items before = _folder.items();
-    const std::pair<std::string, int> cases[] = {
-        {"file", EEXIST},
-        {"folder", EEXIST},
-        {"dangling", EEXIST},
-        {std::string("new\0x", 5), EINVAL},
-    };
-    for (const auto& [name, code] : cases) {
-        EXPECT_EQ(codeOf(_files.createFileAtPath(_folder / name, bytesOf("new"))), code) << name;
-        EXPECT_EQ(createInPieces(_files, _folder / name, "new", 2), code) << name;
-        EXPECT_EQ(_folder.items(), before) << name;
-    }
-    EXPECT_EQ(readFile(file), "old");
-}
-
 TEST_F(ReadingWriting, NewItemsGetThePermissionsThatTheProcessGives) {
     const mode_t mask = ::umask(027);
     EXPECT_EQ(codeOf(_files.createFileAtPath(_folder / "file", bytesOf("x"))), 0);
