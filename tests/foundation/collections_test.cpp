@@ -1,10 +1,8 @@
-// Arrays, enumerators, dictionaries, numbers and data.
+// Arrays and dictionaries.
 #include "foundation_fixture.h"
 
 #include "foundation/orv_values.h"
 
-#include <climits>
-#include <cmath>
 #include <functional>
 
 namespace zelmora::test {
@@ -65,13 +63,6 @@ TEST_F(CollectionsTest, ArrayOwnsItsElementsAndChanges) {
     EXPECT_EQ(OrvGetRetainCount(x.get()), 1U);
 }
 
-TEST_F(CollectionsTest, EnumeratorKeepsItsArray) {
-    const Owned enumerator(OrvArrayCreateEnumerator(makeArray({L"a", L"b"}).get()));
-    EXPECT_EQ(stringOf(OrvEnumeratorGetNextObject(enumerator.get())), L"a");
-    EXPECT_EQ(stringOf(OrvEnumeratorGetNextObject(enumerator.get())), L"b");
-    EXPECT_EQ(OrvEnumeratorGetNextObject(enumerator.get()), nullptr);
-}
-
 TEST_F(CollectionsTest, DictionaryOwnsItsValues) {
     const Owned dictionary(OrvDictionaryCreate());
     const Owned first = makeText(L"1"), second = makeText(L"2");
@@ -123,14 +114,6 @@ TEST_F(CollectionsTest, ContainersCopyToPlatformObjects) {
     const PropertyListDictionary entries = {{"k𠮷", std::string("v")}, {"list", list}};
     EXPECT_EQ(OrvCopyCFType(dictionary.get()), PropertyListValue(entries));
     EXPECT_EQ(OrvCopyCocoaObject(OrvGetCurrentTemporaryObjectsPool()), std::nullopt);
-}
-
-TEST_F(CollectionsTest, NumbersConvertAsC) {
-    const Owned number(OrvNumberCreateWithShort(-2)), large(OrvNumberCreateWithDouble(1e30));
-    EXPECT_EQ(OrvNumberGetInt(number.get()), -2);
-    EXPECT_EQ(OrvNumberGetUnsignedChar(number.get()), 254);
-    EXPECT_EQ(OrvNumberGetInt(large.get()), INT_MAX) << "where C says nothing";
-    EXPECT_EQ(OrvNumberGetLongLong(Owned(OrvNumberCreateWithDouble(NAN)).get()), 0);
 }
 
 } // namespace zelmora::test

@@ -20,12 +20,6 @@ namespace zelmora::test {
 using Owned = OrvPtr<>;
 using Lines = std::vector<std::string>;
 
-inline const std::string leakLine =
-    "The temporary objects pool is not created for this thread. The object will leak";
-inline const std::string unbalancedLine = "The temporary objects pool is not balanced "
-                                          "(OrvTemporaryObjectsPoolCreate and OrvRelease).";
-inline const std::string uninitialisedLine = "OrvFoundation is not initialized.";
-
 /// The lines that `work` writes to the standard output, without their prefixes where they have one.
 template<typename Work>
 Lines linesOf(Work&& work) {

