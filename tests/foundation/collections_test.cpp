@@ -1,17 +1,11 @@
 // Arrays and dictionaries.
 #include "foundation_fixture.h"
 
-#include "foundation/orv_values.h"
-
 #include <functional>
 
 namespace zelmora::test {
 
 namespace {
-
-using platform::PropertyListArray;
-using platform::PropertyListDictionary;
-using platform::PropertyListValue;
 
 class CollectionsTest : public FoundationTest {};
 
@@ -28,13 +22,6 @@ std::wstring joined(const OrvIBase* array) {
     for (uint64_t i = 0; i < OrvArrayGetCount(array); ++i)
         all += stringOf(OrvArrayGetObjectAtIndex(array, i)) + L",";
     return all;
-}
-
-Owned withEntries(std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> entries) {
-    Owned dictionary(OrvDictionaryCreate());
-    for (const auto& [key, value] : entries)
-        OrvDictionarySetValue(dictionary.get(), makeText(value).get(), key);
-    return dictionary;
 }
 
 } // namespace
@@ -88,32 +75,6 @@ TEST_F(CollectionsTest, DictionaryReplacesAValueByAPartOfIt) {
     OrvDictionarySetValue(dictionary.get(), part, L"part");
     OrvDictionarySetValue(dictionary.get(), makeText(L"new").get(), OrvStringGetCharacters(part));
     EXPECT_EQ(stringOf(OrvDictionaryGetValue(dictionary.get(), L"part")), L"new");
-}
-
-TEST_F(CollectionsTest, DictionaryOrdersItsKeys) {
-    const Owned dictionary = withEntries(
-        {{L"b", L"1"}, {L"abc", L"2"}, {L"ab", L"3"}, {L"\U00010000", L"4"}, {L"\uFFFF", L"5"}});
-    OrvDictionaryAddEntries(dictionary.get(), withEntries({{L"b", L"6"}, {L"", L"7"}}).get());
-    const Owned keys(OrvDictionaryCreateKeys(dictionary.get()));
-    EXPECT_EQ(joined(keys.get()), L",ab,abc,b,\uFFFF,\U00010000,");
-    const Owned values(OrvDictionaryCreateValues(dictionary.get()));
-    EXPECT_EQ(joined(values.get()), L"7,3,2,6,5,4,");
-}
-
-TEST_F(CollectionsTest, ContainersCopyToPlatformObjects) {
-    const Owned array = makeArray({L"é"});
-    OrvArrayAddObject(array.get(), OrvGetSharedObject(L"org.zelmora.OrvFoundation.Null"));
-    OrvArrayAddObject(array.get(), Owned(OrvNumberCreateWithInt(-3)).get());
-    const Owned dictionary = withEntries({{L"k𠮷", L"v"}});
-    OrvDictionarySetValue(dictionary.get(), array.get(), L"list");
-    const auto view = platform::bytesOf({"ab\0c", 4});
-    OrvArrayAddObject(array.get(), Owned(OrvDataCreate(view.data(), view.size())).get());
-    const PropertyListValue list(
-        PropertyListArray{"é", "", -3, platform::Bytes(view.begin(), view.end())});
-    EXPECT_EQ(OrvCopyCocoaObject(array.get()), list);
-    const PropertyListDictionary entries = {{"k𠮷", std::string("v")}, {"list", list}};
-    EXPECT_EQ(OrvCopyCFType(dictionary.get()), PropertyListValue(entries));
-    EXPECT_EQ(OrvCopyCocoaObject(OrvGetCurrentTemporaryObjectsPool()), std::nullopt);
 }
 
 } // namespace zelmora::test

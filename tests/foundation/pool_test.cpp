@@ -1,4 +1,4 @@
-// Reference counts, pools and the library's life.
+// Pools and the library's life.
 #include "foundation_fixture.h"
 
 #include "platform/events/run_loop.h"
@@ -22,21 +22,6 @@ class ManualRunLoop final : public platform::RunLoop {
 };
 
 } // namespace
-
-TEST_F(ObjectTest, CountsReferencesFromOne) {
-    const int64_t before = OrvLiveObjectCount();
-    OrvIBase* object = OrvArrayCreate(0);
-    EXPECT_EQ(OrvGetRetainCount(object), 1U);
-    EXPECT_EQ(OrvRetain(object), object);
-    EXPECT_EQ(OrvGetRetainCount(object), 2U);
-    OrvRelease(object);
-    EXPECT_EQ(OrvGetRetainCount(object), 1U);
-    OrvRelease(object);
-    EXPECT_EQ(OrvLiveObjectCount(), before);
-    OrvRelease(nullptr);
-    EXPECT_EQ(OrvRetain(nullptr), nullptr);
-    EXPECT_EQ(OrvGetRetainCount(nullptr), 0U);
-}
 
 TEST_F(ObjectTest, PoolsReleaseOnlyTheirOwnAndShareLiterals) {
     const int64_t before = OrvLiveObjectCount();

@@ -127,12 +127,10 @@ TEST_F(StringTest, Compares) {
     const struct {
         std::wstring left, right;
         int sign, signIgnoringCase;
-    } cases[] = {{L"", L"", 0, 0},
-                 {L"a", L"ab", -1, -1},
+    } cases[] = {{L"a", L"ab", -1, -1},
                  {L"\uFFFF", L"\U00010000", -1, -1},
                  {L"@CHARSET", L"@charset", -1, 0},
                  {L"\u00C9", L"\u00E9", -1, -1},
-                 {L"a", L"B", 1, -1},
                  {L"a\0b"s, L"a\0c"s, 0, 0}};
     const auto sign = [](int32_t result) { return (result > 0) - (result < 0); };
     for (const auto& [left, right, expected, ignoringCase] : cases) {
