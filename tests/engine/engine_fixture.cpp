@@ -66,21 +66,16 @@ class RecordingInterface final : public platform::LoadedInterface,
         _isVisible = true;
         note("show");
     }
-    void center() override { note("center"); }
+    void center() override {}
     void close() override {
         _isVisible = false;
         note("close");
     }
     void setStringValue(const std::string& text) override { note("label " + text); }
-    void setDoubleValue(double percent) override { note("bar " + std::to_string(percent)); }
-    void setIndeterminate(bool indeterminate) override {
-        note(indeterminate ? "indeterminate" : "determinate");
-    }
-    void setUsesThreadedAnimation(bool threaded) override {
-        if (threaded)
-            note("threaded");
-    }
-    void startAnimation() override { note("animate"); }
+    void setDoubleValue(double) override {}
+    void setIndeterminate(bool) override {}
+    void setUsesThreadedAnimation(bool) override {}
+    void startAnimation() override {}
     void setEnabled(bool enabled) override { note(enabled ? "enable" : "disable"); }
     void setAction(std::function<void()> action) override {
         _owner.cancelActions.resize(std::max(_owner.cancelActions.size(), _number));

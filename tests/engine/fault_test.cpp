@@ -1,8 +1,7 @@
-// Every system call that a conversion, a backup and a log line make fails in its turn, and every
-// kind of failure hits all of them: what is left is whole, what failed is told, the rest is done.
+// Every system call that a conversion and a backup make fails in its turn, and every kind of
+// failure hits all of them: what is left is whole, what failed is told, the rest is done.
 
 #include "engine/backup_manager.h"
-#include "engine/conversion_log.h"
 #include "engine/document_controller.h"
 #include "engine/settings.h"
 #include "engine_fixture.h"
@@ -151,16 +150,12 @@ class Batch {
 class FaultTest : public EngineTest {
   protected:
     FaultTest() { defaults.setInteger(1, settings::lineBreakCode); }
-    [[nodiscard]] EngineServices direct() {
-        auto& disk = platform::FileManager::defaultManager();
-        return {defaults, disk, strings, mainLoop, userInterface};
-    }
 };
 
 TEST_F(FaultTest, AnyFailingCallOfAConversionCostsNothing) {
     size_t alerts = 0;
     failEachCall([&](NthCall& nth) {
-        Batch batch(direct());
+        Batch batch(services());
         batch.convert(nth);
         batch.expectNothingLost();
         EXPECT_LE(batch.shown.alerts.size(), 1U); // the rest of the batch is done
@@ -194,7 +189,7 @@ TEST_F(FaultTest, EveryKindOfFailureIsToldAndCostsNothing) {
         cases.push_back({{CallKind::write}, ENOSPC, "as it was, none", bytes});
     for (const auto& each : cases) {
         SCOPED_TRACE(std::to_string(&each - cases.data()));
-        Batch batch(direct());
+        Batch batch(services());
         FaultyDisk disk(each.kinds, each.code, each.bytes);
         batch.convert(disk);
         batch.expectNothingLost();
@@ -211,7 +206,7 @@ TEST_F(FaultTest, EveryKindOfFailureIsToldAndCostsNothing) {
 TEST_F(FaultTest, AnyFailingCallOfABackupLeavesAWholeCopyOrNone) {
     defaults.setBool(true, settings::autoBackup);
     failEachCall([&](NthCall& nth) {
-        Batch batch(direct());
+        Batch batch(services());
         const TemporaryDirectory copies;
         defaults.setObject(copies / "new/backup", settings::backupDataDir);
         batch.place.writeFile("sub/d.txt", "d");
@@ -240,28 +235,6 @@ TEST_F(FaultTest, AnyFailingCallOfABackupLeavesAWholeCopyOrNone) {
         for (const auto& name : names)
             EXPECT_EQ(batch.stateOf(name), "as it was, none");
     });
-}
-
-TEST_F(FaultTest, AnyFailingCallOfALogLineLeavesTheLinesBefore) {
-    defaults.setBool(true, settings::createLogFile);
-    for (const std::string old : {"<none>", "an old line\n"}) {
-        failEachCall([&](NthCall& nth) {
-            const TemporaryDirectory place;
-            if (old != "<none>")
-                place.writeFile("log", old);
-            defaults.setObject(place / "log", settings::logFilePath);
-            ZelLog log(direct());
-            {
-                const ObservedSystemCalls observed(nth);
-                log.logWithAction("Action", true, "detail");
-            }
-            const auto text = readFile(place / "log");
-            const bool isWritten = text.ends_with(" Action Success detail\n") &&
-                                   (old == "<none>" || text.starts_with(old));
-            EXPECT_TRUE(isWritten || (text == old && nth.hasFailed())) << text;
-            EXPECT_THAT(place.items(), AnyOf(Items{}, Items{"log"}));
-        });
-    }
 }
 
 } // namespace

@@ -82,44 +82,14 @@ class JobTest : public EngineTest {
     int finishedBatches = 0;
 };
 
-TEST_F(JobTest, BatchIsConvertedOnceItIsCompleteAndProgressShown) {
-    // At the last file, so that its progress is shown before the list is emptied.
-    Pause pause(files, {"4.txt"});
+TEST_F(JobTest, BatchIsConvertedOnceItIsCompleteAndASecondFollowsWithoutIdling) {
+    Pause pause(files, {"2.txt", "3.txt"});
     start();
     folder.writeFile("1.txt", before);
     open("1.txt");
     std::this_thread::sleep_for(50ms);
     EXPECT_EQ(converted(), std::vector<int>()) << "before the wake-up";
-    addBatch(2, 4);
-    runUntilReached(pause);
-    pause.end();
-    ASSERT_TRUE(runUntilFinished(1));
-    EXPECT_EQ(controller->convertedCount(), 4U);
-    EXPECT_EQ(converted(), (std::vector{1, 2, 3, 4}));
-    const auto& events = userInterface.events;
-    EXPECT_EQ(events.front(), "1 center");
-    EXPECT_EQ(events.back(), "1 close");
-    EXPECT_THAT(events, Contains("1 label Files remaining: 0"));
-    EXPECT_THAT(events, Contains("1 bar 100.000000"));
-    EXPECT_EQ(std::count(events.begin(), events.end(), "1 show"), 1);
-    EXPECT_EQ(alertTexts(), Items());
-}
-
-TEST_F(JobTest, WhatHoldsNoTargetOpensAndClosesTheWindow) {
-    start();
-    mainLoop.runUntil([&] { return userInterface.events.back() == "1 close"; }); // the first idling
-    userInterface.events.clear();
-    folder.writeFile("README", before);
-    controller->openDocumentWithContentsOfURL("file://" + (folder / "README"));
-    controller->openDocumentWithContentsOfURL("http://localhost/a.txt");
-    EXPECT_EQ(userInterface.events, (Items{"1 label ", "1 show", "1 close"}));
-    EXPECT_FALSE(controller->wakeupThreadIfNeed());
-}
-
-TEST_F(JobTest, SecondBatchWhileConvertingFollowsWithoutIdling) {
-    Pause pause(files, {"2.txt", "3.txt"});
-    start();
-    addBatch(1, 3);
+    addBatch(2, 3);
     runUntilReached(pause);
     userInterface.events.clear();
     addBatch(4, 6);
@@ -128,7 +98,8 @@ TEST_F(JobTest, SecondBatchWhileConvertingFollowsWithoutIdling) {
     EXPECT_THAT(userInterface.events, Contains("1 label Files remaining: 3"));
     pause.end();
     ASSERT_TRUE(runUntilFinished(1));
-    EXPECT_EQ(controller->convertedCount(), 6U);
+    EXPECT_EQ(converted(), (std::vector{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(alertTexts(), Items());
     const auto& events = userInterface.events;
     EXPECT_LT(std::find(events.begin(), events.end(), "1 label Files remaining: 0"),
               std::find(events.begin(), events.end(), "1 close"));
@@ -153,23 +124,21 @@ TEST_F(JobTest, EndIsAtOnceWhileIdleAndWaitsTenSecondsForAFileInHand) {
     start();
     EXPECT_TRUE(controller->releaseContents());
     EXPECT_TRUE(controller->releaseContents());
-    for (const auto& [inHand, hangs] : {std::pair{1, false}, {3, true}}) {
-        Pause pause(files, {std::to_string(inHand) + ".txt"});
-        start();
-        addBatch(inHand, inHand + 1);
-        runUntilReached(pause);
-        const auto begin = std::chrono::steady_clock::now();
-        std::thread letGo([&pause, hangs = hangs] {
-            std::this_thread::sleep_for(hangs ? 10'500ms : 50ms);
-            pause.end();
-        });
-        EXPECT_EQ(controller->releaseContents(), !hangs);
-        EXPECT_EQ(std::chrono::steady_clock::now() - begin > 9'900ms, hangs);
-        letGo.join();
-        EXPECT_TRUE(controller->releaseContents());
-        mainLoop.mainQueue().drain(); // blocks left behind find nothing and do nothing
-    }
-    EXPECT_EQ(converted(), (std::vector{1, 3}));
+    Pause pause(files, {"1.txt"});
+    start();
+    addBatch(1, 2);
+    runUntilReached(pause);
+    const auto begin = std::chrono::steady_clock::now();
+    std::thread letGo([&pause] {
+        std::this_thread::sleep_for(10'500ms);
+        pause.end();
+    });
+    EXPECT_FALSE(controller->releaseContents());
+    EXPECT_GT(std::chrono::steady_clock::now() - begin, 9'900ms);
+    letGo.join();
+    EXPECT_TRUE(controller->releaseContents());
+    mainLoop.mainQueue().drain(); // blocks left behind find nothing and do nothing
+    EXPECT_EQ(converted(), std::vector{1});
     EXPECT_EQ(finishedBatches, 0);
 }
 
@@ -193,7 +162,6 @@ TEST_F(JobTest, AutomaticQuitNeedsAConvertedFile) {
     ASSERT_TRUE(mainLoop.runUntil(wantsToQuit));
     EXPECT_EQ(converted(), (std::vector{1, 2, 3}));
     EXPECT_TRUE(controller->releaseContents());
-    EXPECT_FALSE(wantsToQuit()) << "there is nothing left to end";
 }
 
 TEST_F(JobTest, NoWakeUpAndNoEndIsLostInTenThousandRounds) {
@@ -217,28 +185,6 @@ TEST_F(JobTest, NoWakeUpAndNoEndIsLostInTenThousandRounds) {
         userInterface.events.clear();
         userInterface.cancelActions.clear();
     }
-}
-
-TEST(PThreadConditionalTest, SignalsAreKeptAndTimeRunsOut) {
-    PThreadConditional condition;
-    EXPECT_FALSE(condition.waitWithTimeoutSeconds(0, 1'000'000));
-    condition.signal();
-    condition.signal();
-    EXPECT_TRUE(condition.waitWithTimeoutSeconds(0, 0));  // came before: taken at once
-    EXPECT_FALSE(condition.waitWithTimeoutSeconds(0, 0)); // two count as one
-    condition.broadcast();
-    EXPECT_FALSE(condition.waitWithTimeoutSeconds(0, 0)); // for those who waited only
-
-    std::atomic<int> woken = 0;
-    const auto wait = [&] { woken += condition.waitWithTimeoutSeconds(10, 999'999'999); };
-    std::thread first(wait);
-    std::thread second(wait);
-    while (woken < 2) {
-        condition.broadcast();
-        std::this_thread::yield();
-    }
-    first.join();
-    second.join();
 }
 
 } // namespace

@@ -39,7 +39,6 @@ TEST_F(TextBlocksTest, AreCutBehindALineEndAndNowhereElse) {
         {OrvEncoding::jis},
         {OrvEncoding::utf8, OrvByteOrder::none, true},
         {OrvEncoding::utf16, OrvByteOrder::littleEndian, true},
-        {OrvEncoding::utf16, OrvByteOrder::bigEndian, true},
         {OrvEncoding::utf32, OrvByteOrder::bigEndian, true},
     };
     for (const auto& record : records) {
@@ -49,7 +48,7 @@ TEST_F(TextBlocksTest, AreCutBehindALineEndAndNowhereElse) {
         const size_t block = TextBlocks::kBlockSize / unit;
         // Where the first line break is, from the end of the first block on: before it, across it,
         // where the first look still sees it or no longer does, and out of sight.
-        std::vector<int> distances{4080, 4090, 4093, 4094, 4095, 4096, 9000, 300'000};
+        std::vector<int> distances{4093, 4094, 4095, 4096, 9000, 300'000};
         for (int near = -9; near < 3; ++near)
             distances.push_back(near);
         for (const int distance : distances) {
