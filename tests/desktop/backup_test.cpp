@@ -1,10 +1,9 @@
-// A backup that takes long: the window stays alive, and what comes meanwhile waits for its turn.
+// A backup that takes long: its window stays, and what comes meanwhile waits for its turn.
 
 #include "desktop_fixture.h"
 #include "engine/settings.h"
 #include "tests/support/faulty_file_manager.h"
 
-#include <QProgressBar>
 #include <QTimer>
 #include <chrono>
 #include <future>
@@ -14,16 +13,6 @@ namespace zelmora::test {
 namespace {
 
 using ::testing::ElementsAre;
-
-/// Counts how often the widgets it watches are drawn.
-class PaintCounter final : public QObject {
-  public:
-    bool eventFilter(QObject*, QEvent* event) override {
-        count += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-    int count = 0;
-};
 
 /// The first copy waits in the middle of it, until `release` is called or five seconds are over.
 class SlowBackupTest : public DesktopTest {
@@ -89,29 +78,13 @@ class SlowBackupTest : public DesktopTest {
          nullptr}};
 };
 
-TEST_F(SlowBackupTest, TheWindowIsDrawnAndKeepsTheInputToItself) {
-    PaintCounter paints;
+TEST_F(SlowBackupTest, WhatIsDroppedMeanwhileIsHandledAfterwardsInOrder) {
     whileCopying = [&] {
         auto* window = QApplication::activeModalWidget();
         ASSERT_NE(window, nullptr);
-        EXPECT_TRUE(window->isVisible());
         EXPECT_EQ(window->windowModality(), Qt::ApplicationModal);
-        auto* bar = window->findChild<QProgressBar*>();
-        bar->installEventFilter(&paints);
-        bar->update();
-        EXPECT_TRUE(runUntil([&] { return paints.count > 0; }));
         window->close(); // as a window manager may ask it to
         EXPECT_TRUE(window->isVisible());
-        release();
-    };
-    handOver({"a.txt"});
-    EXPECT_TRUE(runUntilConverted("a.txt"));
-    EXPECT_GT(paints.count, 0);
-    end();
-}
-
-TEST_F(SlowBackupTest, WhatIsDroppedMeanwhileIsHandledAfterwardsInOrder) {
-    whileCopying = [&] {
         controller.applicationOpenFiles({folder / "c.txt"});
         controller.applicationOpenFile(folder / "d.txt");
         EXPECT_THAT(steps(), ElementsAre()) << "the copy in hand is noted at its end";
@@ -141,19 +114,6 @@ TEST_F(SlowBackupTest, QuittingWaitsForTheCopyInHandAndBeginsNoOther) {
     EXPECT_THAT(steps(), ElementsAre("copy a.txt"));
     EXPECT_EQ(readFile(folder / "backup/a.txt"), "\x82\xa0\n");
     EXPECT_EQ(readFile(folder / "a.txt"), "\x82\xa0\n");
-}
-
-TEST_F(SlowBackupTest, AnAlertThatComesMeanwhileWaitsAndJoinsThoseOfTheBatch) {
-    whileCopying = [&] {
-        userInterface.runModal({"of the worker", "one"});
-        QTimer::singleShot(20, [this] { release(); });
-    };
-    answerBoxes("OK");
-    handOver({"a.txt", "gone.txt", "lost.txt"});
-    EXPECT_EQ(boxTexts, std::vector<std::string>()) << "shown in the middle of the batch";
-    EXPECT_TRUE(runUntil([&] { return !boxTexts.empty(); }));
-    EXPECT_THAT(boxTexts, ElementsAre("of the worker"));
-    end();
 }
 
 } // namespace

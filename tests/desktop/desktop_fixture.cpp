@@ -18,16 +18,6 @@ platform::DesktopApplication& desktopApplication() {
     return *application;
 }
 
-bool RecordingWorkspace::openFile(const std::string& path) {
-    opened.push_back(path);
-    return answer;
-}
-
-bool RecordingWorkspace::openURL(const std::string& url) {
-    opened.push_back(url);
-    return answer;
-}
-
 DesktopTest::DesktopTest() : strings(bundle.localizedStrings(files, "en").value()) {
     settings::registerDefaults(defaults, files, bundle);
     defaults.setBool(false, settings::autoBackup);

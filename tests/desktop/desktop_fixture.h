@@ -19,14 +19,11 @@ namespace zelmora::test {
 /// The process's one application object.
 platform::DesktopApplication& desktopApplication();
 
-/// Remembers what was to be opened.
-class RecordingWorkspace final : public platform::Workspace {
+/// Opens nothing.
+class NoWorkspace final : public platform::Workspace {
   public:
-    bool openFile(const std::string& path) override;
-    bool openURL(const std::string& url) override;
-
-    std::vector<std::string> opened;
-    bool answer = true;
+    bool openFile(const std::string&) override { return false; }
+    bool openURL(const std::string&) override { return false; }
 };
 
 class DesktopTest : public ::testing::Test {
@@ -47,7 +44,7 @@ class DesktopTest : public ::testing::Test {
     platform::LocalizedStrings strings;
     platform::DesktopApplication& application = desktopApplication();
     platform::DesktopUserInterface userInterface{{bundle, files, defaults, application}};
-    RecordingWorkspace workspace;
+    NoWorkspace workspace;
     std::vector<std::string> boxTexts;
     QString lastList;
 

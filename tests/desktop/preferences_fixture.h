@@ -12,26 +12,19 @@
 
 namespace zelmora::test {
 
-/// Answers every panel with `answer` (nullopt: cancelled) and remembers what was asked for.
+/// Answers every panel with `answer`; nullopt: cancelled.
 class AnsweringPanels final : public platform::Panels {
   public:
-    std::vector<std::string> runOpenPanel(const platform::OpenPanel& panel,
-                                          platform::Window*) override {
-        lastOpenPanel = panel;
+    std::vector<std::string> runOpenPanel(const platform::OpenPanel&, platform::Window*) override {
         return answer ? std::vector{*answer} : std::vector<std::string>();
     }
-    std::optional<std::string> runSavePanel(const platform::SavePanel& panel,
-                                            platform::Window* sheetParent) override {
-        lastSavePanel = panel;
-        lastSheetParent = sheetParent;
+    std::optional<std::string> runSavePanel(const platform::SavePanel&,
+                                            platform::Window*) override {
         return answer;
     }
     size_t runQuestion(const platform::Question&, platform::Window*) override { return 0; }
 
     std::optional<std::string> answer;
-    platform::OpenPanel lastOpenPanel;
-    platform::SavePanel lastSavePanel;
-    platform::Window* lastSheetParent = nullptr;
 };
 
 class PreferencesTest : public DesktopTest {
@@ -44,19 +37,15 @@ class PreferencesTest : public DesktopTest {
     /// Makes the window anew, as when the application starts; each test begins with one.
     void open() {
         close();
-        controller = std::make_unique<ZelPrefWndController>(preferencesServices());
-        controller->showWindow();
-    }
-    void close() { controller.reset(); }
-    PreferencesServices preferencesServices() {
-        return {
+        controller = std::make_unique<ZelPrefWndController>(PreferencesServices{
             defaults, savingFiles, strings, userInterface, panels, [this](std::string_view name) {
-                ++formsLoaded;
                 auto form = userInterface.loadForm(name);
                 window = &dynamic_cast<platform::QtWindow&>(form->window()).widget();
                 return form;
-            }};
+            }});
+        controller->showWindow();
     }
+    void close() { controller.reset(); }
     /// The settings as another process would read them now.
     [[nodiscard]] std::unique_ptr<platform::UserDefaults> savedDefaults() {
         auto other = std::make_unique<platform::UserDefaults>(settings::allKeys());
@@ -73,7 +62,6 @@ class PreferencesTest : public DesktopTest {
     FaultyFileManager savingFiles{platform::FileManager::defaultManager()};
     AnsweringPanels panels;
     QWidget* window = nullptr;
-    int formsLoaded = 0;
     std::unique_ptr<ZelPrefWndController> controller;
 };
 
