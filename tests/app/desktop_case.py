@@ -47,8 +47,8 @@ class DesktopCase(console_case.ConsoleCase):
         self.addCleanup(process.kill)
         return process
 
-    def zelmora(self, *arguments, **more_environment):
-        return self.start(self.command(*arguments), env={**self.environment(), **more_environment})
+    def zelmora(self, *arguments):
+        return self.start(self.command(*arguments), env=self.environment())
 
     def assert_ends(self, process, status=0):
         self.assertEqual(process.wait(timeout=60), status)
