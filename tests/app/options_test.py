@@ -8,6 +8,7 @@ import os
 import plistlib
 import pty
 import termios
+import threading
 
 import console_case
 from console_case import TEXT
@@ -53,6 +54,13 @@ REFUSED = [
 
 # Names that a command line could take for something else.
 PATHS = ["[a,b].txt", "{}", "%%", "-5.txt", "--help", "--", "a b;$c.txt", "日本.txt"]
+
+
+def read_terminal(control):
+    try:
+        return os.read(control, 65536)
+    except OSError:  # nobody has it open any more
+        return b""
 
 
 class OptionsTest(console_case.ConsoleCase):
@@ -167,15 +175,29 @@ class OptionsTest(console_case.ConsoleCase):
 
     def test_what_is_said(self):
         self.write(b"a.txt", SOURCE)
-        control, terminal = pty.openpty()
-        termios.tcsetwinsize(terminal, (24, 60))
-        self.assert_run(self.convert("a.txt", stderr=terminal), 0)
-        shown = os.read(control, 65536)
-        self.assertIn(b"\x1b[K[....", shown)
-        self.assertTrue(shown.endswith(b"\r\x1b[K1 converted, 0 failed\r\n"), shown)
         self.assertEqual(self.convert("--quiet", "a.txt").stderr, b"")
         with open("/dev/full", "wb") as full:
             self.assert_run(self.run_console("--detect", "a.txt", stdout=full), 1)
+
+    def test_a_terminal_shows_progress_on_one_line_that_fits(self):
+        for number in range(300):
+            self.write(b"\xe6\x97\xa5%d.txt" % number, SOURCE)
+        self.write(b"bad.txt", b"\xff")
+        control, terminal = pty.openpty()
+        termios.tcsetwinsize(terminal, (24, 45))
+        shown = bytearray()
+        reader = threading.Thread(target=lambda: shown.extend(b"".join(iter(lambda: read_terminal(control), b""))))
+        reader.start()
+        self.assert_run(self.convert(".", language="ja", stderr=terminal), 1)
+        os.close(terminal)
+        reader.join()
+        *frames, rest = shown.decode().split("\r\x1b[K")[1:]
+        self.assertEqual(rest, "変換 300 件、失敗 1 件\r\n")
+        message = next(frame for frame in frames if "\n" in frame)  # stands above the line
+        self.assertRegex(message, r"^[^\[]*/bad\.txt[^\[]*\r\n$")
+        for frame in set(frames) - {message}:
+            self.assertLess(sum(1 if character.isascii() else 2 for character in frame), 45, frame)
+            self.assertRegex(frame, r"^(\[#*\.*\] \d+% [^\n]*)?$")
 
 
 console_case.main()

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <gmock/gmock.h>
 #include <semaphore>
@@ -14,7 +15,10 @@
 namespace zelmora::test {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using namespace std::chrono_literals;
 
 const std::string before = "\x95\x5c\r\n";
@@ -103,6 +107,16 @@ TEST_F(JobTest, BatchIsConvertedOnceItIsCompleteAndASecondFollowsWithoutIdling) 
     const auto& events = userInterface.events;
     EXPECT_LT(std::find(events.begin(), events.end(), "1 label Files remaining: 0"),
               std::find(events.begin(), events.end(), "1 close"));
+}
+
+TEST_F(JobTest, AFolderThatCannotBeSearchedIsTold) {
+    start();
+    folder.writeFile("sub/1.txt", before);
+    files.failEvery("enumerateAtPath", EACCES);
+    open("sub");
+    mainLoop.mainQueue().drain();
+    EXPECT_THAT(alertTexts(), ElementsAre(AllOf(HasSubstr("A folder could not be searched."),
+                                                HasSubstr(folder / "sub"))));
 }
 
 TEST_F(JobTest, CancelFinishesTheFileInHandAndLeavesTheRest) {
