@@ -1,4 +1,4 @@
-// Scanner, element and parser of style sheets.
+// Elements and parser of style sheets.
 #include "foundation_fixture.h"
 
 #include "foundation/orv_css.h"
@@ -74,24 +74,6 @@ TEST_F(CSSTest, ReadsSheets) {
         EXPECT_EQ(elementsOf(sheet), expected) << utf8FromWide(sheet);
 }
 
-TEST_F(CSSTest, ParsesFromAnyOffset) {
-    const std::wstring sheet = L"a { b: c }\n/* x */ @media y { 𠮷 { d: e } } z";
-    const auto size = static_cast<int32_t>(sheet.size());
-    const Owned parser(OrvCSSParserCreate(makeText(sheet).get()));
-    for (int32_t offset = -2; offset <= size + 2; ++offset) {
-        int32_t start = -1, length = -1, error = -1;
-        const bool isFound =
-            OrvCSSParserParseElement(parser.get(), offset, &start, &length, &error) != nullptr;
-        EXPECT_EQ(isFound, offset < size) << offset;
-        EXPECT_EQ(error, 0) << offset;
-        EXPECT_TRUE(isFound ? start >= offset && length > 0 && start + length <= size
-                            : start == 0 && length == 0)
-            << offset;
-    }
-    const Owned nothing(OrvCSSParserCreate(nullptr));
-    EXPECT_EQ(OrvCSSParserParseElement(nothing.get(), 0, nullptr, nullptr, nullptr), nullptr);
-}
-
 TEST_F(CSSTest, FindsTheFirstRuleWithAKeyword) {
     const struct {
         std::wstring sheet;
@@ -156,19 +138,6 @@ TEST_F(CSSTest, BuildsRules) {
     const Owned made(OrvCSSParserCreateCharsetElement(parser.get(), 1, 0));
     EXPECT_EQ(rendered(made.get()), L"@charset \"Shift_JIS\";");
     EXPECT_EQ(OrvCSSParserCreateCharsetElement(parser.get(), 0, 0), nullptr);
-}
-
-TEST_F(CSSTest, ScannerTakesTokens) {
-    const Owned scanner(OrvScannerCreate(makeText(L"ab, c\0,z"s).get()));
-    OrvIBase* token = nullptr;
-    for (const std::wstring& expected : {L"ab,"s, L" c\0,"s}) { // a NUL is in no set
-        EXPECT_TRUE(OrvScannerScanThroughCharacters(scanner.get(), L",", &token));
-        EXPECT_EQ(stringOf(token), expected);
-    }
-    EXPECT_TRUE(OrvScannerScanThroughCharacters(scanner.get(), L"", &token));
-    EXPECT_EQ(stringOf(token), L"z");
-    EXPECT_FALSE(OrvScannerScanThroughCharacters(scanner.get(), L"", &token));
-    EXPECT_EQ(token, nullptr);
 }
 
 } // namespace zelmora::test

@@ -27,12 +27,10 @@ std::string placeInText(const std::optional<OrvMarkupTag>& tag) {
            platform::utf8FromUTF16(std::get<std::u16string>(source));
 }
 
-std::string findInText(std::string_view text, std::optional<std::u16string_view> name,
-                       std::size_t start) {
+std::string findInText(std::string_view text, std::u16string_view name, std::size_t start) {
     OrvHTMLParser parser;
     parser.setHTMLString(platform::utf16FromUTF8(text));
-    return placeInText(name ? parser.findMarkupTagName(*name, start)
-                            : parser.findNextMarkupTagFromOffset(start));
+    return placeInText(parser.findMarkupTagName(name, start));
 }
 
 std::string findInBytes(std::string_view bytes, std::u16string_view name, std::size_t start) {
@@ -80,19 +78,6 @@ TEST(Searching, FindsTagsByNameInTextAndBytes) {
     EXPECT_EQ(findInBytes("<p\0re><p\0>"sv, u"p", 0), "6 <p\0>"sv);
     EXPECT_EQ(findInBytes("<p>\x83<\x8E\xAE>", u"\u00E9\u00C6", 0), "4 <\x8E\xAE>");
     EXPECT_EQ(findInBytes("<\x83>", u"\u00E9", 0), "none"); // capital É
-}
-
-TEST(Searching, FindsTheNextTagOfText) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"<<<<", "none"},
-        {"a < b <p>", "6 <p>"},
-        {"\u3042\U0001F600<p>", "3 <p>"}, // UTF-16 units
-        {"<p title=\"a>b\">", "0 <p title=\"a>"},
-        {"<>", "0 <>"},
-    };
-    for (const auto& [text, found] : cases)
-        EXPECT_EQ(findInText(text, {}, 0), found) << text;
-    EXPECT_EQ(findInText("<p>", {}, kHuge), "none");
 }
 
 TEST(Searching, FindsTheEncodingDeclarationOnly) {

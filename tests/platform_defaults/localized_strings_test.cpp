@@ -4,15 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdlib>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace zelmora::platform {
 namespace {
-
-using namespace ::testing;
 
 TEST(LocalizedStringsTest, ReadsEscapesAndComments) {
     const auto strings = LocalizedStrings::parse("// head \"x\" = \"y\";\n"
@@ -66,16 +62,6 @@ TEST(LocalizedStringsTest, ShippedTablesAgree) {
                       std::ranges::count(japanese->format(key, {"\1", "\2", "\3"}), argument))
                 << key;
     }
-}
-
-TEST(BundleTest, FindsResources) {
-    const Bundle bundle("/opt/z");
-    EXPECT_EQ(bundle.pathForResource("Manual", "pdf"), "/opt/z/Manual.pdf");
-    EXPECT_EQ(bundle.pathForResource("Localizable", "strings", "ja"),
-              "/opt/z/ja.lproj/Localizable.strings");
-    // This program's own folder is "bin"; the resources are its neighbour's.
-    const std::string own = Bundle::mainBundle().pathForResource("a", "b");
-    EXPECT_THAT(own, AllOf(EndsWith("/share/zelmora/a.b"), Not(HasSubstr("/bin/"))));
 }
 
 TEST(BundleTest, PrefersTheFirstLanguageThatIsSet) {
