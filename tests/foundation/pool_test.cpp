@@ -1,4 +1,4 @@
-// Pools and the library's life.
+// Pools.
 #include "foundation_fixture.h"
 
 #include "platform/events/run_loop.h"
@@ -73,19 +73,6 @@ TEST_F(ObjectTest, ThreadsUseTheirPoolsSideBySide) {
     first.join();
     second.join();
     EXPECT_EQ(OrvLiveObjectCount(), before);
-}
-
-TEST(LibraryTest, InitialisationNests) {
-    EXPECT_EQ(OrvFoundationInitialize(), 0);
-    const OrvIBase* pool = OrvGetCurrentTemporaryObjectsPool();
-    EXPECT_EQ(OrvFoundationInitialize(), 0);
-    EXPECT_EQ(OrvFoundationTerminate(), 0);
-    EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), pool);
-    EXPECT_EQ(OrvFoundationTerminate(), 0);
-    EXPECT_EQ(OrvGetCurrentTemporaryObjectsPool(), nullptr);
-    EXPECT_EQ(linesOf([] { (void)OrvGetSharedObject(L"key"); }),
-              Lines{"OrvFoundation is not initialized."});
-    EXPECT_EQ(OrvLiveObjectCount(), 0);
 }
 
 TEST(LibraryTest, RunLoopDrainsTheInnermostPool) {

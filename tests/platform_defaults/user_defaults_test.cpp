@@ -1,8 +1,6 @@
 #include "platform/defaults/user_defaults.h"
 
-#include <atomic>
 #include <gtest/gtest.h>
-#include <thread>
 
 namespace zelmora::platform {
 namespace {
@@ -56,28 +54,6 @@ TEST(UserDefaultsTest, TellsObserversWhatNowReadsDifferently) {
     defaults.removeObserver(observer);
     defaults.setInteger(7, "key");
     EXPECT_EQ(seen.size(), 4U);
-}
-
-TEST(UserDefaultsTest, ReadersSeeTheOldOrTheNewValueWhileOneWrites) {
-    const PropertyListArray lists[] = {{"txt", "html"}, {"css", "xml", "text"}};
-    UserDefaults defaults;
-    defaults.setObject(lists[0], "list");
-    std::atomic<bool> isDone = false;
-    std::atomic<int> notified = 0;
-    defaults.addObserver("list", [&](std::string_view) { ++notified; });
-    std::thread reader([&] {
-        int torn = 0;
-        while (!isDone) {
-            const auto list = defaults.arrayForKey("list");
-            torn += list != lists[0] && list != lists[1];
-        }
-        EXPECT_EQ(torn, 0);
-    });
-    for (int i = 1; i <= 500; ++i)
-        defaults.setObject(lists[i % 2], "list");
-    isDone = true;
-    reader.join();
-    EXPECT_EQ(notified, 500);
 }
 
 } // namespace
