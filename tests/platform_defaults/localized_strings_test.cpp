@@ -69,10 +69,9 @@ TEST(BundleTest, PrefersTheFirstLanguageThatIsSet) {
         std::array<const char*, 3> values; ///< of LC_ALL, LC_MESSAGES, LANG
         std::string_view language;
     } cases[] = {
-        {{"ja_JP.UTF-8", "en_US", "en_US"}, "ja"},
-        {{"C", "ja_JP", "ja_JP"}, "en"},
-        {{nullptr, nullptr, nullptr}, "en"},
-        {{nullptr, "de_DE", "ja_JP"}, "en"},
+        {{"ja_JP.UTF-8", "en_US", "en_US"}, "ja"}, {{"C", "ja_JP", "ja_JP"}, "en"},
+        {{nullptr, "", "ja_JP.eucJP"}, "ja"}, // as most are set
+        {{nullptr, nullptr, nullptr}, "en"},       {{nullptr, "de_DE", "ja_JP"}, "en"},
     };
     for (const auto& [values, language] : cases) {
         for (size_t i = 0; i < values.size(); ++i) {
