@@ -11,6 +11,7 @@
 namespace zelmora::test {
 namespace {
 
+using ::testing::Contains;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
@@ -39,6 +40,7 @@ TEST_F(BackupTest, CopyIsMadeBehindItsWindowAndLogged) {
     EXPECT_EQ(readFile(folder / "backup/docs/sub/a.txt"), "a");
     EXPECT_EQ(userInterface.events.front(), "1 show");
     EXPECT_EQ(userInterface.events.back(), "1 gone");
+    EXPECT_THAT(userInterface.events, Contains("1 disable")) << "a copy cannot be cancelled";
     EXPECT_EQ(userInterface.openModalSessions, 0);
     EXPECT_THAT(logText(), EndsWith(" Backup Success Source:" + folder / "docs" +
                                     " Copy:" + folder / "backup/docs" + "\n"));
