@@ -159,6 +159,34 @@ TEST_F(ConversionTest, WhatFailsLateInALargeTextLeavesNothingBehind) {
     }
 }
 
+TEST_F(ConversionTest, HFSCodesFollowTheSettings) {
+    auto& disk = platform::FileManager::defaultManager();
+    const platform::HFSCodes sourceCodes{.type = 0x54455854, .creator = 0x74747874};
+    const struct {
+        int64_t creatorAction;
+        const char* creator;
+        int64_t typeAction;
+        const char* type;
+        platform::HFSCodes expected;
+    } cases[] = {
+        {0, "ab", 0, "cd", sourceCodes},
+        {1, "ab", 2, "TEXT", {.type = 0, .creator = 0x61622020}},
+        {2, "", 1, "TEXTURE", {.type = 0x54455854, .creator = 0}},
+        {1, "", 1, "\xe3\x81\x82", {.type = 0x42202020, .creator = 0}}, // U+3042: its low byte
+    };
+    for (const auto& each : cases) {
+        const auto source = folder.writeFile("a.txt", "old");
+        const auto converted = folder.writeFile("a#0.txt", "new");
+        ASSERT_TRUE(disk.setHFSCodes(sourceCodes, source).ok());
+        set(settings::actionForCreator, each.creatorAction);
+        set(settings::creatorCode, each.creator);
+        set(settings::actionForFileType, each.typeAction);
+        set(settings::fileType, each.type);
+        ASSERT_TRUE(controller.doConvertProcessPostDstPath(converted, source).ok());
+        EXPECT_EQ(disk.hfsCodesOfItemAtPath(source).value(), each.expected) << each.creator;
+    }
+}
+
 TEST_F(ConversionTest, LinkIsReplacedByTheConvertedFileAndItsTargetStays) {
     const auto target = folder.writeFile("target.txt", "\x95\x5c");
     ASSERT_EQ(symlink(target.c_str(), (folder / "link.txt").c_str()), 0);
