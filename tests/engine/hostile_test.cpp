@@ -1,9 +1,12 @@
-// Somebody plants links while a batch runs: nothing outside what was handed over is touched.
+// Somebody plants links or goes on writing while a batch runs: nothing outside what was handed over
+// is touched, and nothing that was written is lost.
 
 #include "engine/document_controller.h"
 #include "engine_fixture.h"
 
+#include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 
 namespace zelmora::test {
@@ -65,6 +68,29 @@ TEST_F(HostileTest, AFolderSwappedForALinkDoesNotLeadOutside) {
     ASSERT_EQ(userInterface.alerts.size(), 1U);
     EXPECT_THAT(userInterface.alerts[0].informativeText, HasSubstr("in/sub/deep/a.txt"));
     EXPECT_THAT(userInterface.alerts[0].informativeText, HasSubstr("Not a directory"));
+}
+
+TEST_F(HostileTest, ATextThatIsWrittenToMeanwhileIsLeft) {
+    ZelDocumentController controller(services());
+    for (const int lines : {1, 300'000}) {
+        std::string text;
+        for (int i = 0; i < lines; ++i)
+            text += before;
+        const auto path = folder.writeFile("in/a.txt", text);
+        std::atomic<bool> isWritten = false;
+        files.setHook([&](const FaultyFileManager::Operation& each) {
+            if (each.name == "write" && !isWritten.exchange(true))
+                std::ofstream(path, std::ios::app) << before;
+        });
+        controller.doConvertProcess(path);
+        mainLoop.mainQueue().drain();
+        EXPECT_TRUE(readFile(path) == text + before) << lines;
+        EXPECT_EQ(folder.items(), (Items{"in/", "in/a.txt"}));
+        ASSERT_EQ(userInterface.alerts.size(), 1U);
+        EXPECT_THAT(userInterface.alerts[0].informativeText,
+                    HasSubstr("Resource temporarily unavailable"));
+        userInterface.alerts.clear();
+    }
 }
 
 } // namespace
