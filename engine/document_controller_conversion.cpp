@@ -182,8 +182,9 @@ bool ZelDocumentController::convertByBlocks(Conversion& conversion, ConvertedFil
     platform::Turns first(0, 1);
     convertTaken(first, conversion);
     if (isConverted && conversion.failure.empty()) {
+        const Conversion begun = conversion; // in which a failure may be noted meanwhile
         platform::Turns others(1, blocks.count());
-        platform::workInTurns(others, [&, begun = std::as_const(conversion)] {
+        platform::workInTurns(others, [&] {
             Conversion blockConversion = begun;
             convertTaken(others, blockConversion);
         });
