@@ -12,6 +12,7 @@ namespace zelmora::platform {
 namespace {
 
 constexpr int kStopped = -1;
+constexpr int kTriesAwake = 300; ///< about a tenth of a millisecond
 constexpr int kMostThreads = 4; ///< more would wait for each other's turns
 
 } // namespace
@@ -24,6 +25,9 @@ std::optional<int> Turns::take() {
 }
 
 bool Turns::await(int part) {
+    // A thread that sleeps takes longer to come back than most turns take.
+    for (int tries = 0; tries < kTriesAwake && _turn.load() != part; ++tries)
+        std::this_thread::yield();
     for (int turn = _turn.load(); turn != part; turn = _turn.load()) {
         if (turn == kStopped)
             return false;
