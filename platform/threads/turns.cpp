@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kStopped = -1;
 constexpr int kTriesAwake = 300; ///< about a tenth of a millisecond
-constexpr int kMostThreads = 4; ///< more would wait for each other's turns
+constexpr int kMostThreads = 4;  ///< more would wait for each other's turns
 
 } // namespace
 
