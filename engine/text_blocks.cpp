@@ -3,7 +3,6 @@
 #include "platform/threads/turns.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace zelmora {
